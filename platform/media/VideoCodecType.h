@@ -1,0 +1,14 @@
+// The video codecs the writer can encode, as names of the media layer. Any thread.
+#pragma once
+
+namespace platform {
+
+enum class VideoCodecType
+{
+    h264,
+    hevc,
+    appleProRes422,
+    appleProRes4444,
+};
+
+} // namespace platform

@@ -1,0 +1,1 @@
+#include "ConversionEngine/AudioConverter.h"

@@ -1,0 +1,2 @@
+#include <libavformat/avformat.h>
+#include "platform/foundation/Console.h"
