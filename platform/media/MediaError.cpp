@@ -7,8 +7,7 @@ MediaError::MediaError(QString domain, int code, QString localizedDescription)
     , m_code(code)
     , m_description(std::move(localizedDescription))
     , m_what(m_description.toStdString())
-{
-}
+{}
 
 MediaError MediaError::media(int code, QString localizedDescription)
 {

@@ -16,7 +16,8 @@ public:
     // The domain of every error raised by the media layer itself.
     static inline const QString mediaDomain = QStringLiteral("Ondrilet.Media");
 
-    enum Code : int {
+    enum Code : int
+    {
         unknown = -11800,
         diskFull = -11807,
         invalidSourceMedia = -11822,
