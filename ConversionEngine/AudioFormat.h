@@ -1,0 +1,41 @@
+// The audio containers the audio engine writes, with the writer's file type for each.
+// Plain value; any thread.
+#pragma once
+
+#include "platform/media/FileType.h"
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+namespace ConversionEngine {
+
+enum class AudioFormat
+{
+    aiff,
+    wav,
+    m4a,
+    caf,
+};
+
+// "aiff", "wav", "m4a", "CAF": the CAF value is upper case on purpose.
+QString rawValue(AudioFormat format);
+// Exact, case-sensitive lookup: "caf" finds nothing, "CAF" finds caf.
+std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw);
+platform::FileType fileType(AudioFormat format);
+// True for m4a only, decided by the raw value.
+bool isCompressed(AudioFormat format);
+
+inline const std::array<AudioFormat, 4>& allAudioFormats()
+{
+    static constexpr std::array<AudioFormat, 4> cases{
+        AudioFormat::aiff,
+        AudioFormat::wav,
+        AudioFormat::m4a,
+        AudioFormat::caf,
+    };
+    return cases;
+}
+
+} // namespace ConversionEngine

@@ -1,0 +1,30 @@
+// The bit depths of uncompressed audio output; the raw value is the number of bits.
+// Plain value; any thread.
+#pragma once
+
+#include <array>
+#include <optional>
+
+namespace ConversionEngine {
+
+enum class BitDepth
+{
+    depth16 = 16,
+    depth24 = 24,
+};
+
+constexpr int rawValue(BitDepth depth)
+{
+    return static_cast<int>(depth);
+}
+
+// Any number other than 16 or 24 finds no case.
+std::optional<BitDepth> bitDepthFromRawValue(int bits);
+
+inline const std::array<BitDepth, 2>& allBitDepths()
+{
+    static constexpr std::array<BitDepth, 2> cases{BitDepth::depth16, BitDepth::depth24};
+    return cases;
+}
+
+} // namespace ConversionEngine
