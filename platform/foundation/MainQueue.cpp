@@ -1,0 +1,57 @@
+#include "platform/foundation/MainQueue.h"
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QTimer>
+
+#include <climits>
+#include <cmath>
+
+namespace platform {
+
+namespace {
+
+// Before the application object exists, or once it is gone, no event loop will ever run a
+// block; dropping it with a warning beats stopping a program that is shutting down.
+QCoreApplication* application()
+{
+    QCoreApplication* app = QCoreApplication::instance();
+    if (app == nullptr)
+        qWarning("%s", "A block for the GUI thread was dropped: there is no application object");
+    return app;
+}
+
+int millisecondsFor(double seconds)
+{
+    if (!(seconds > 0.0))
+        return 0;
+    const double milliseconds = std::ceil(seconds * 1000.0);
+    return milliseconds >= static_cast<double>(INT_MAX) ? INT_MAX : static_cast<int>(milliseconds);
+}
+
+} // namespace
+
+void MainQueue::async(std::function<void()> block)
+{
+    if (QCoreApplication* app = application())
+        QMetaObject::invokeMethod(app, std::move(block), Qt::QueuedConnection);
+}
+
+void MainQueue::asyncAfter(double seconds, std::function<void()> block)
+{
+    const int milliseconds = millisecondsFor(seconds);
+    // The timer is started from the GUI thread, because a timer needs an event loop on the thread
+    // that starts it and the caller may be a plain worker thread.
+    async([milliseconds, block = std::move(block)]() mutable {
+        QTimer::singleShot(milliseconds, Qt::PreciseTimer, QCoreApplication::instance(),
+                           std::move(block));
+    });
+}
+
+bool MainQueue::isCurrent()
+{
+    const QCoreApplication* app = QCoreApplication::instance();
+    return app != nullptr && QThread::currentThread() == app->thread();
+}
+
+} // namespace platform
