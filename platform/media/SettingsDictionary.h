@@ -53,6 +53,8 @@ inline const QString linearPCMIsNonInterleaved =
 inline const QString encoderBitRate = QStringLiteral("AVEncoderBitRateKey");           // int, bit/s
 inline const QString encoderAudioQuality = QStringLiteral("AVEncoderAudioQualityKey"); // int
 inline const QString channelLayout = QStringLiteral("AVChannelLayoutKey");
+// The depth a lossless encoder keeps (16 or 24); without it the source format hint decides.
+inline const QString encoderBitDepthHint = QStringLiteral("AVEncoderBitDepthHintKey"); // int
 // Video.
 inline const QString videoCodec = QStringLiteral("AVVideoCodecKey");   // QString codec name
 inline const QString videoWidth = QStringLiteral("AVVideoWidthKey");   // int

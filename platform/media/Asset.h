@@ -1,0 +1,57 @@
+// A media file opened for reading: whether it can be read, its duration and its tracks. The
+// loads are awaitable on the main thread (the first one probes the file on a worker thread,
+// later ones reuse what it found); the plain accessors serve worker threads and may block
+// for the probe. Copies share one probe.
+#pragma once
+
+#include "platform/media/AssetTrack.h"
+#include "platform/media/MediaTime.h"
+#include "platform/media/MediaType.h"
+
+#include <QCoro/QCoroTask>
+#include <QFuture>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace platform {
+
+namespace internal {
+class AssetState;
+}
+
+class Asset
+{
+public:
+    // `path` is the file's absolute local path. Nothing is read yet.
+    explicit Asset(QString path);
+
+    const QString& path() const;
+
+    // True when the file opened as a known container with at least one track a decoder of
+    // this build can read. Never throws.
+    bool isReadable() const;
+    // The container's duration; invalid when it does not say. Throws the probe's MediaError.
+    MediaTime duration() const;
+    // Tracks of one type in the file's order. Throws the probe's MediaError.
+    std::vector<AssetTrack> tracks(MediaType mediaType) const;
+    std::vector<AssetTrack> tracks() const;
+    // Throws the probe's MediaError, if the probe failed.
+    void probe() const;
+
+    QCoro::Task<bool> loadIsReadable() const;
+    QCoro::Task<MediaTime> loadDuration() const;
+    QCoro::Task<std::vector<AssetTrack>> loadTracks(MediaType mediaType) const;
+
+    const std::shared_ptr<internal::AssetState>& state() const { return m_state; }
+
+    // The probe of `state` on a worker thread, or a finished future when it is done already.
+    // Coroutines await it through a named local.
+    static QFuture<void> probeInBackground(const std::shared_ptr<internal::AssetState>& state);
+
+private:
+    std::shared_ptr<internal::AssetState> m_state;
+};
+
+} // namespace platform

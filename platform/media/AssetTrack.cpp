@@ -1,0 +1,56 @@
+#include "platform/media/AssetTrack.h"
+
+#include "platform/media/Asset.h"
+#include "platform/media/internal/AssetState.h"
+
+#include <QCoro/QCoroFuture>
+
+namespace platform {
+
+AssetTrack::AssetTrack(std::shared_ptr<internal::AssetState> asset, int streamIndex)
+    : m_asset(std::move(asset))
+    , m_streamIndex(streamIndex)
+{}
+
+const internal::TrackInfo& AssetTrack::info() const
+{
+    for (const internal::TrackInfo& track : m_asset->info().tracks) {
+        if (track.streamIndex == m_streamIndex)
+            return track;
+    }
+    // A track is only ever made from its asset's probe, so its stream is always there.
+    qFatal("Track %d is not part of %s", m_streamIndex, qPrintable(m_asset->path()));
+}
+
+MediaType AssetTrack::mediaType() const
+{
+    return info().mediaType;
+}
+
+bool AssetTrack::isEnabled() const
+{
+    return info().isEnabled;
+}
+
+std::vector<FormatDescription> AssetTrack::formatDescriptions() const
+{
+    return info().formatDescriptions;
+}
+
+QCoro::Task<bool> AssetTrack::loadIsEnabled() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.isEnabled();
+}
+
+QCoro::Task<std::vector<FormatDescription>> AssetTrack::loadFormatDescriptions() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.formatDescriptions();
+}
+
+} // namespace platform

@@ -1,0 +1,175 @@
+#include "platform/media/AssetWriter.h"
+
+#include "platform/media/internal/AudioEncoder.h"
+#include "platform/media/internal/EncoderChoice.h"
+#include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/WriterState.h"
+
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QtConcurrent/QtConcurrentRun>
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+#include <cerrno>
+#include <sys/stat.h>
+
+namespace platform {
+
+namespace {
+
+Q_LOGGING_CATEGORY(writerLog, "Ondrilet.AssetWriter")
+
+bool isAudioOnly(FileType type)
+{
+    return type != FileType::quickTimeMovie && type != FileType::mpeg4;
+}
+
+// Whether the muxer can store the codec the encoder will produce. A codec whose encoder is
+// missing passes here, so that startWriting can report the missing encoder.
+bool muxerStores(FileType type, AVCodecID codec)
+{
+    if (codec == AV_CODEC_ID_NONE)
+        return true;
+    const AVOutputFormat* format = av_guess_format(muxerName(type), nullptr, nullptr);
+    return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;
+}
+
+std::unique_ptr<internal::AudioEncoder> audioEncoderFor(const internal::InputState& input,
+                                                        FileType type)
+{
+    const std::optional<internal::AudioEncoding> encoding =
+        internal::audioEncodingFor(input.settings);
+    if (!encoding || !internal::containerCarries(type, encoding->codec))
+        return nullptr;
+    // WAV has no way to say big-endian.
+    if (type == FileType::wave && encoding->bigEndian.value_or(false))
+        return nullptr;
+    auto encoder = std::make_unique<internal::AudioEncoder>(*encoding, type, input.sourceBitDepth);
+    if (!muxerStores(type, encoder->codecId()))
+        return nullptr;
+    return encoder;
+}
+
+} // namespace
+
+AssetWriter::AssetWriter(QString outputPath, FileType fileType)
+    : m_state(std::make_shared<internal::WriterState>(std::move(outputPath), fileType))
+{
+    const QString& path = m_state->path;
+    struct stat status = {};
+    if (::lstat(path.toLocal8Bit().constData(), &status) == 0)
+        throw MediaError::media(
+            MediaError::fileAlreadyExists,
+            QStringLiteral("The file “%1” already exists").arg(QFileInfo(path).fileName()));
+    const QFileInfo folder(QFileInfo(path).path());
+    if (!folder.exists())
+        throw internal::mediaErrorFromErrno(ENOENT, QStringLiteral("Cannot create"), path);
+    if (!folder.isDir())
+        throw internal::mediaErrorFromErrno(ENOTDIR, QStringLiteral("Cannot create"), path);
+}
+
+AssetWriter::~AssetWriter() = default;
+
+const QString& AssetWriter::outputPath() const
+{
+    return m_state->path;
+}
+
+FileType AssetWriter::fileType() const
+{
+    return m_state->fileType;
+}
+
+bool AssetWriter::canAdd(const AssetWriterInput& input) const
+{
+    const std::lock_guard lock(m_state->mutex);
+    if (m_state->status() != internal::WriterState::unknown || !input.state()->writer.expired())
+        return false;
+    if (isAudioOnly(m_state->fileType) && !m_state->inputs.empty())
+        return false;
+    if (input.mediaType() == MediaType::audio)
+        return audioEncoderFor(*input.state(), m_state->fileType) != nullptr;
+    return false;
+}
+
+void AssetWriter::add(const AssetWriterInput& input)
+{
+    if (!canAdd(input)) {
+        qCCritical(writerLog) << "An input the writer cannot take was not added";
+        return;
+    }
+    const std::lock_guard lock(m_state->mutex);
+    input.state()->encoder = audioEncoderFor(*input.state(), m_state->fileType);
+    input.state()->writer = m_state;
+    m_state->inputs.push_back(input.state());
+    m_inputs.push_back(input);
+}
+
+std::vector<AssetWriterInput> AssetWriter::inputs() const
+{
+    return m_inputs;
+}
+
+bool AssetWriter::startWriting()
+{
+    const std::lock_guard lock(m_state->mutex);
+    if (m_state->status() != internal::WriterState::unknown)
+        return false;
+    try {
+        m_state->start();
+    } catch (const MediaError& error) {
+        m_state->fail(error);
+        return false;
+    }
+    m_state->wakeInputs(nullptr);
+    return true;
+}
+
+void AssetWriter::startSession(MediaTime time)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->sessionStart = time;
+}
+
+void AssetWriter::finishWriting(std::function<void()> completion)
+{
+    std::shared_ptr<internal::WriterState> state = m_state;
+    bool finish = false;
+    {
+        const std::lock_guard lock(state->mutex);
+        if (state->status() == internal::WriterState::writing && !state->finishing) {
+            state->finishing = true;
+            finish = true;
+        }
+    }
+    [[maybe_unused]] const QFuture<void> done =
+        QtConcurrent::run([state, finish, completion = std::move(completion)] {
+            if (finish) {
+                const std::lock_guard lock(state->mutex);
+                state->finish();
+            }
+            if (completion)
+                completion();
+        });
+}
+
+void AssetWriter::cancelWriting()
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->cancel();
+}
+
+AssetWriter::Status AssetWriter::status() const
+{
+    return static_cast<Status>(m_state->status());
+}
+
+std::optional<MediaError> AssetWriter::error() const
+{
+    return m_state->error();
+}
+
+} // namespace platform

@@ -1,0 +1,75 @@
+// Writes one new media file of a given type from the inputs added to it. Set it up on one
+// thread; after startWriting the inputs are fed from their queues, while any thread may read
+// status() and error(). finishWriting completes on a worker thread.
+#pragma once
+
+#include "platform/media/AssetWriterInput.h"
+#include "platform/media/FileType.h"
+#include "platform/media/MediaError.h"
+#include "platform/media/MediaTime.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace platform {
+
+namespace internal {
+class WriterState;
+}
+
+class AssetWriter
+{
+public:
+    enum class Status : int
+    {
+        unknown = 0,
+        writing = 1,
+        completed = 2,
+        failed = 3,
+        cancelled = 4,
+    };
+
+    // Throws MediaError: fileAlreadyExists when something is at `outputPath`, unknown (with
+    // the system's reason) when its folder is missing or is not a folder.
+    AssetWriter(QString outputPath, FileType fileType);
+    // A writer dropped before finishing leaves what it wrote.
+    ~AssetWriter();
+    AssetWriter(const AssetWriter&) = delete;
+    AssetWriter& operator=(const AssetWriter&) = delete;
+
+    const QString& outputPath() const;
+    FileType fileType() const;
+
+    // False once writing started, for an input already added somewhere, for settings that
+    // cannot be read, and where the container cannot carry the codec.
+    bool canAdd(const AssetWriterInput& input) const;
+    // Adds the input if canAdd allows it; otherwise leaves the writer as it was.
+    void add(const AssetWriterInput& input);
+    std::vector<AssetWriterInput> inputs() const;
+
+    // Opens the encoders, creates the file and writes its header. False, with status failed
+    // and error() set, when any of that fails (encoderNotFound for a codec this build cannot
+    // encode); no file is left behind then.
+    bool startWriting();
+    // Times of appended buffers count from `time`.
+    void startSession(MediaTime time);
+    // Drains every input, writes the trailer and closes the file on a worker thread, then calls
+    // `completion` there with status completed or failed. Called while not writing, it only
+    // calls `completion`.
+    void finishWriting(std::function<void()> completion);
+    // Stops writing and removes the unfinished file.
+    void cancelWriting();
+
+    Status status() const;
+    std::optional<MediaError> error() const;
+
+private:
+    std::shared_ptr<internal::WriterState> m_state;
+    std::vector<AssetWriterInput> m_inputs;
+};
+
+} // namespace platform

@@ -1,0 +1,124 @@
+#include "platform/media/AssetWriterInput.h"
+
+#include "platform/media/internal/AudioEncoder.h"
+#include "platform/media/internal/WriterState.h"
+
+namespace platform {
+
+namespace {
+
+// Where the buffer's first frame lies after the session start; zero before it.
+MediaTime sessionOffset(MediaTime time, MediaTime sessionStart)
+{
+    if (!time.isValid)
+        return MediaTime::zero();
+    if (!sessionStart.isValid)
+        return time;
+    const double seconds = time.seconds() - sessionStart.seconds();
+    if (seconds <= 0.0)
+        return MediaTime::zero();
+    return MediaTime::make(static_cast<std::int64_t>(seconds * time.timescale + 0.5),
+                           time.timescale);
+}
+
+} // namespace
+
+AssetWriterInput::AssetWriterInput(MediaType mediaType, SettingsDictionary outputSettings,
+                                   std::optional<FormatDescription> sourceFormatHint)
+    : m_state(std::make_shared<internal::InputState>(mediaType, std::move(outputSettings)))
+{
+    if (sourceFormatHint && sourceFormatHint->streamBasicDescription)
+        m_state->sourceBitDepth =
+            static_cast<int>(sourceFormatHint->streamBasicDescription->bitsPerChannel);
+}
+
+MediaType AssetWriterInput::mediaType() const
+{
+    return m_state->mediaType;
+}
+
+const SettingsDictionary& AssetWriterInput::outputSettings() const
+{
+    return m_state->settings;
+}
+
+bool AssetWriterInput::expectsMediaDataInRealTime() const
+{
+    return m_state->expectsMediaDataInRealTime;
+}
+
+void AssetWriterInput::setExpectsMediaDataInRealTime(bool realTime)
+{
+    m_state->expectsMediaDataInRealTime = realTime;
+}
+
+bool AssetWriterInput::isReadyForMoreMediaData() const
+{
+    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    if (!writer)
+        return false;
+    const std::lock_guard lock(writer->mutex);
+    return writer->isReady(*m_state);
+}
+
+void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block)
+{
+    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    if (!writer)
+        return;
+    const std::lock_guard lock(writer->mutex);
+    m_state->queue = &queue;
+    m_state->block = std::move(block);
+    m_state->stalled = false;
+    if (writer->isReady(*m_state))
+        m_state->scheduleDrive();
+}
+
+bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer)
+{
+    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    if (!writer || !buffer || !buffer->isValid())
+        return false;
+    const std::lock_guard lock(writer->mutex);
+    if (writer->status() != internal::WriterState::writing || writer->finishing ||
+        m_state->finished)
+        return false;
+    auto* encoder = dynamic_cast<internal::AudioEncoder*>(m_state->encoder.get());
+    if (!encoder)
+        return false;
+    const MediaTime offset = sessionOffset(buffer->presentationTime(), writer->sessionStart);
+    try {
+        encoder->encode(*buffer, offset, *writer);
+    } catch (const MediaError& error) {
+        writer->fail(error);
+        return false;
+    }
+    ++m_state->appendCount;
+    m_state->appendedSeconds = offset.seconds() + buffer->duration().seconds();
+    writer->wakeInputs(m_state.get());
+    return true;
+}
+
+void AssetWriterInput::markAsFinished()
+{
+    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    if (!writer) {
+        m_state->finished = true;
+        return;
+    }
+    const std::lock_guard lock(writer->mutex);
+    if (m_state->finished)
+        return;
+    m_state->finished = true;
+    if (writer->status() == internal::WriterState::writing && !writer->finishing &&
+        m_state->encoder) {
+        try {
+            m_state->encoder->finish(*writer);
+        } catch (const MediaError& error) {
+            writer->fail(error);
+        }
+    }
+    writer->wakeInputs(m_state.get());
+}
+
+} // namespace platform

@@ -1,0 +1,62 @@
+// One track to be written: its media type and the settings that choose its encoder. The pump
+// that feeds it runs on a SerialQueue through requestMediaDataWhenReady; append and
+// markAsFinished are called from there. Copies are handles to the same input.
+#pragma once
+
+#include "platform/media/FormatDescription.h"
+#include "platform/media/MediaType.h"
+#include "platform/media/SampleBuffer.h"
+#include "platform/media/SettingsDictionary.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace platform {
+
+class SerialQueue;
+
+namespace internal {
+class InputState;
+}
+
+class AssetWriterInput
+{
+public:
+    // `sourceFormatHint` tells a lossless encoder the depth worth keeping (ALAC at 16 or 24
+    // bits), where the settings do not say.
+    AssetWriterInput(MediaType mediaType, SettingsDictionary outputSettings,
+                     std::optional<FormatDescription> sourceFormatHint = std::nullopt);
+
+    MediaType mediaType() const;
+    const SettingsDictionary& outputSettings() const;
+
+    // Kept for callers that state it; this layer writes files only, never live sources.
+    bool expectsMediaDataInRealTime() const;
+    void setExpectsMediaDataInRealTime(bool realTime);
+
+    // True while the writer is writing, this input is not finished, and it is not more than
+    // half a second ahead of the least advanced other unfinished input of the writer.
+    bool isReadyForMoreMediaData() const;
+
+    // Calls `block` on `queue` whenever this input is ready and unfinished, again after each
+    // return while that holds, so pumps of several inputs on one queue take turns. A block that
+    // returns while ready without appending or finishing is not called again until another
+    // input of the writer moves. The queue must outlive the writing.
+    void requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block);
+
+    // Encodes the buffer and hands its packets to the file. False when the writer is not
+    // writing, the input is finished, the buffer is invalid, or encoding failed (the writer
+    // then fails with the error).
+    bool append(const std::shared_ptr<SampleBuffer>& buffer);
+
+    // No more data: drains the encoder. Further appends fail.
+    void markAsFinished();
+
+    const std::shared_ptr<internal::InputState>& state() const { return m_state; }
+
+private:
+    std::shared_ptr<internal::InputState> m_state;
+};
+
+} // namespace platform
