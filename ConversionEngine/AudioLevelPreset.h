@@ -1,5 +1,5 @@
-// Named loudness targets for the LUFS picker, and a custom one. Plain value; main thread for
-// displayName of a custom preset (it traps on a value that has no whole-number form).
+// Named loudness targets for the LUFS picker, and a custom one. Plain value; any thread.
+// Showing a custom value that has no whole-number form ends the process.
 #pragma once
 
 #include <QString>
