@@ -61,7 +61,8 @@ bool AssetWriterInput::isReadyForMoreMediaData() const
     return writer->isReady(*m_state);
 }
 
-void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block)
+void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue,
+                                                 std::function<void()> block) const
 {
     const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
     if (!writer)
@@ -74,7 +75,7 @@ void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue, std::functi
         m_state->scheduleDrive();
 }
 
-bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer)
+bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
 {
     const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
     if (!writer || !buffer || !buffer->isValid())
@@ -99,7 +100,7 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer)
     return true;
 }
 
-void AssetWriterInput::markAsFinished()
+void AssetWriterInput::markAsFinished() const
 {
     const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
     if (!writer) {

@@ -1,6 +1,7 @@
 // One track to be written: its media type and the settings that choose its encoder. The pump
 // that feeds it runs on a SerialQueue through requestMediaDataWhenReady; append and
-// markAsFinished are called from there. Copies are handles to the same input.
+// markAsFinished are called from there. Copies are handles to the same input, so the calls
+// that feed it work on a const handle too.
 #pragma once
 
 #include "platform/media/FormatDescription.h"
@@ -43,15 +44,15 @@ public:
     // return while that holds, so pumps of several inputs on one queue take turns. A block that
     // returns while ready without appending or finishing is not called again until another
     // input of the writer moves. The queue must outlive the writing.
-    void requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block);
+    void requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block) const;
 
     // Encodes the buffer and hands its packets to the file. False when the writer is not
     // writing, the input is finished, the buffer is invalid, or encoding failed (the writer
     // then fails with the error).
-    bool append(const std::shared_ptr<SampleBuffer>& buffer);
+    bool append(const std::shared_ptr<SampleBuffer>& buffer) const;
 
     // No more data: drains the encoder. Further appends fail.
-    void markAsFinished();
+    void markAsFinished() const;
 
     const std::shared_ptr<internal::InputState>& state() const { return m_state; }
 

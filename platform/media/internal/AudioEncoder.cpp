@@ -9,7 +9,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <array>
 
 namespace platform::internal {
 
@@ -86,7 +85,10 @@ AudioEncoder::AudioEncoder(const AudioEncoding& encoding, FileType fileType, int
         m_codecId = codec->id;
 }
 
-AudioEncoder::~AudioEncoder() = default;
+AudioEncoder::~AudioEncoder()
+{
+    releaseStaging();
+}
 
 void AudioEncoder::open(AVFormatContext* muxer)
 {
@@ -188,45 +190,98 @@ void AudioEncoder::prepareFrame()
         throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot make an audio frame"));
 }
 
-void AudioEncoder::convert(const std::uint8_t* input, int inputFrames, PacketWriter& writer)
+std::uint8_t** AudioEncoder::framePlanesAt(int frameOffset)
 {
-    const bool sameRate = m_inputRate == m_context->sample_rate;
-    const int inputFrameBytes =
-        m_inputChannels * (m_inputFormat == SampleBuffer::SampleFormat::float32 ? 4 : 2);
     const bool planar = av_sample_fmt_is_planar(m_context->sample_fmt);
     const int sampleBytes = av_get_bytes_per_sample(m_context->sample_fmt);
     const int channels = m_context->ch_layout.nb_channels;
-    std::array<std::uint8_t*, AV_NUM_DATA_POINTERS> planes = {};
-    std::vector<std::uint8_t*> manyPlanes;
-    for (;;) {
+    const int planes = planar ? channels : 1;
+    m_planes.resize(static_cast<std::size_t>(planes));
+    for (int plane = 0; plane < planes; ++plane)
+        m_planes[static_cast<std::size_t>(plane)] =
+            m_frame->extended_data[plane] +
+            static_cast<std::ptrdiff_t>(frameOffset) * sampleBytes * (planar ? 1 : channels);
+    return m_planes.data();
+}
+
+void AudioEncoder::completeFrameIfFull(PacketWriter& writer)
+{
+    if (m_filled < m_frameSize)
+        return;
+    m_frame->nb_samples = m_frameSize;
+    sendFrame(m_frame.get(), writer);
+    m_filled = 0;
+}
+
+void AudioEncoder::convertAtOneRate(const std::uint8_t* input, int inputFrames,
+                                    PacketWriter& writer)
+{
+    const int inputFrameBytes =
+        m_inputChannels * (m_inputFormat == SampleBuffer::SampleFormat::float32 ? 4 : 2);
+    while (inputFrames > 0) {
         if (m_filled == 0)
             prepareFrame();
-        std::uint8_t** out = planes.data();
-        if (planar && channels > AV_NUM_DATA_POINTERS) {
-            manyPlanes.resize(static_cast<std::size_t>(channels));
-            out = manyPlanes.data();
-        }
-        for (int plane = 0; plane < (planar ? channels : 1); ++plane)
-            out[plane] = m_frame->extended_data[plane] + static_cast<std::ptrdiff_t>(m_filled) *
-                                                             sampleBytes * (planar ? 1 : channels);
-        const int room = m_frameSize - m_filled;
-        // At one rate, never give the converter more than fits: it would keep (copy) the rest.
-        const int taken = sameRate ? std::min(room, inputFrames) : inputFrames;
-        const int converted = swr_convert(m_resampler.get(), out, room, &input, taken);
+        // Never more than fits: the converter would keep (copy) the rest.
+        const int taken = std::min(m_frameSize - m_filled, inputFrames);
+        const int converted =
+            swr_convert(m_resampler.get(), framePlanesAt(m_filled), taken, &input, taken);
         if (converted < 0)
             throw mediaErrorFromFfmpeg(converted, QStringLiteral("Cannot convert audio"));
         input += static_cast<std::ptrdiff_t>(taken) * inputFrameBytes;
         inputFrames -= taken;
         m_filled += converted;
-        if (m_filled == m_frameSize) {
-            m_frame->nb_samples = m_frameSize;
-            sendFrame(m_frame.get(), writer);
-            m_filled = 0;
-            continue;
-        }
-        if (inputFrames == 0 && (sameRate || converted == 0))
-            return;
+        completeFrameIfFull(writer);
     }
+}
+
+int AudioEncoder::resample(const std::uint8_t* input, int inputFrames, PacketWriter& writer)
+{
+    // The resampler always gets room for all it can give: the soxr engine must never be
+    // left holding output.
+    const int room = swr_get_out_samples(m_resampler.get(), inputFrames);
+    if (room < 0)
+        throw mediaErrorFromFfmpeg(room, QStringLiteral("Cannot resample audio"));
+    if (room == 0)
+        return 0;
+    ensureStaging(room);
+    const int converted =
+        swr_convert(m_resampler.get(), m_staging, room, input ? &input : nullptr, inputFrames);
+    if (converted < 0)
+        throw mediaErrorFromFfmpeg(converted, QStringLiteral("Cannot resample audio"));
+    const int channels = m_context->ch_layout.nb_channels;
+    int offset = 0;
+    while (offset < converted) {
+        if (m_filled == 0)
+            prepareFrame();
+        const int count = std::min(m_frameSize - m_filled, converted - offset);
+        av_samples_copy(m_frame->extended_data, m_staging, m_filled, offset, count, channels,
+                        m_context->sample_fmt);
+        m_filled += count;
+        offset += count;
+        completeFrameIfFull(writer);
+    }
+    return converted;
+}
+
+void AudioEncoder::ensureStaging(int frames)
+{
+    if (frames <= m_stagingFrames)
+        return;
+    releaseStaging();
+    const int result = av_samples_alloc_array_and_samples(
+        &m_staging, nullptr, m_context->ch_layout.nb_channels, frames, m_context->sample_fmt, 0);
+    if (result < 0)
+        throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot resample audio"));
+    m_stagingFrames = frames;
+}
+
+void AudioEncoder::releaseStaging()
+{
+    if (m_staging) {
+        av_freep(&m_staging[0]);
+        av_freep(&m_staging);
+    }
+    m_stagingFrames = 0;
 }
 
 void AudioEncoder::encode(const SampleBuffer& buffer, MediaTime sessionOffset, PacketWriter& writer)
@@ -242,7 +297,11 @@ void AudioEncoder::encode(const SampleBuffer& buffer, MediaTime sessionOffset, P
     if (!m_resampler || buffer.sampleFormat() != m_inputFormat ||
         buffer.sampleRate() != m_inputRate || buffer.channelCount() != m_inputChannels)
         configureResampler(buffer);
-    convert(reinterpret_cast<const std::uint8_t*>(buffer.bytes()), buffer.frameCount(), writer);
+    const auto* input = reinterpret_cast<const std::uint8_t*>(buffer.bytes());
+    if (m_inputRate == m_context->sample_rate)
+        convertAtOneRate(input, buffer.frameCount(), writer);
+    else
+        resample(input, buffer.frameCount(), writer);
 }
 
 void AudioEncoder::finish(PacketWriter& writer)
@@ -252,27 +311,7 @@ void AudioEncoder::finish(PacketWriter& writer)
     m_finished = true;
     // What the resampler still holds at the very end.
     if (m_resampler && m_inputRate != m_context->sample_rate) {
-        for (;;) {
-            if (m_filled == 0)
-                prepareFrame();
-            const bool planar = av_sample_fmt_is_planar(m_context->sample_fmt);
-            const int sampleBytes = av_get_bytes_per_sample(m_context->sample_fmt);
-            const int channels = m_context->ch_layout.nb_channels;
-            std::vector<std::uint8_t*> out(static_cast<std::size_t>(planar ? channels : 1));
-            for (std::size_t plane = 0; plane < out.size(); ++plane)
-                out[plane] = m_frame->extended_data[plane] + static_cast<std::ptrdiff_t>(m_filled) *
-                                                                 sampleBytes *
-                                                                 (planar ? 1 : channels);
-            const int converted =
-                swr_convert(m_resampler.get(), out.data(), m_frameSize - m_filled, nullptr, 0);
-            if (converted <= 0)
-                break;
-            m_filled += converted;
-            if (m_filled < m_frameSize)
-                break;
-            m_frame->nb_samples = m_frameSize;
-            sendFrame(m_frame.get(), writer);
-            m_filled = 0;
+        while (resample(nullptr, 0, writer) > 0) {
         }
     }
     if (m_filled > 0) {

@@ -11,6 +11,7 @@
 #include "platform/media/internal/InputEncoder.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace platform::internal {
 
@@ -36,7 +37,13 @@ public:
 private:
     void configureResampler(const SampleBuffer& buffer);
     void prepareFrame();
-    void convert(const std::uint8_t* input, int inputFrames, PacketWriter& writer);
+    std::uint8_t** framePlanesAt(int frameOffset);
+    void completeFrameIfFull(PacketWriter& writer);
+    void convertAtOneRate(const std::uint8_t* input, int inputFrames, PacketWriter& writer);
+    // Null input drains the resampler at the end. Returns the frames it made.
+    int resample(const std::uint8_t* input, int inputFrames, PacketWriter& writer);
+    void ensureStaging(int frames);
+    void releaseStaging();
     void sendFrame(AVFrame* frame, PacketWriter& writer);
     void receivePackets(PacketWriter& writer);
 
@@ -52,6 +59,10 @@ private:
     int m_inputChannels = 0;
     FramePtr m_frame;
     PacketPtr m_packet;
+    std::vector<std::uint8_t*> m_planes;
+    // Resampled samples on their way into encoder frames; grows to the largest buffer seen.
+    std::uint8_t** m_staging = nullptr;
+    int m_stagingFrames = 0;
     int m_frameSize = 0;
     int m_filled = 0;
     bool m_started = false;

@@ -171,23 +171,27 @@ std::shared_ptr<SampleBuffer> AudioTrackDecoder::next()
             continue;
         }
         if (m_decoderDrained) {
-            // Samples the resampler still holds at the very end.
-            if (m_resampler) {
-                if (!buffer)
-                    buffer = m_pool.acquire(m_target.format, m_outputRate,
-                                            m_outputLayout.nb_channels, framesPerBuffer);
-                std::uint8_t* out = reinterpret_cast<std::uint8_t*>(buffer->bytes()) +
-                                    static_cast<std::ptrdiff_t>(filled) * buffer->bytesPerFrame();
-                const int flushed = swr_convert(m_resampler.get(), &out,
-                                                buffer->capacityFrames() - filled, nullptr, 0);
-                if (flushed > 0) {
-                    filled += flushed;
-                    if (filled == buffer->capacityFrames())
-                        break;
-                }
+            // Samples the resampler still holds at the very end. It always gets room for all
+            // it can give: the soxr engine must never be left holding output.
+            const int needed = m_resampler ? swr_get_out_samples(m_resampler.get(), 0) : 0;
+            if (needed <= 0) {
+                m_ended = true;
+                break;
             }
-            m_ended = true;
-            break;
+            if (!buffer)
+                buffer = m_pool.acquire(m_target.format, m_outputRate, m_outputLayout.nb_channels,
+                                        std::max(framesPerBuffer, needed));
+            if (needed > buffer->capacityFrames() - filled)
+                break;
+            std::uint8_t* out = reinterpret_cast<std::uint8_t*>(buffer->bytes()) +
+                                static_cast<std::ptrdiff_t>(filled) * buffer->bytesPerFrame();
+            const int flushed = swr_convert(m_resampler.get(), &out, needed, nullptr, 0);
+            if (flushed <= 0) {
+                m_ended = true;
+                break;
+            }
+            filled += flushed;
+            continue;
         }
         const int received = avcodec_receive_frame(m_decoder.get(), m_frame.get());
         if (received == 0) {
