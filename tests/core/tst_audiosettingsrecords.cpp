@@ -32,7 +32,7 @@ AudioEncodeSettings base(const char* formatId, float rateHertz, int channels)
 
 } // namespace
 
-class TestAudioOutputSettings : public QObject
+class TestAudioSettingsRecords : public QObject
 {
     Q_OBJECT
 
@@ -233,5 +233,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAudioOutputSettings)
-#include "tst_audiooutputsettings.moc"
+QTEST_GUILESS_MAIN(TestAudioSettingsRecords)
+#include "tst_audiosettingsrecords.moc"
