@@ -4,6 +4,7 @@
 #include "platform/media/SettingsDictionary.h"
 #include "tests/support/Fixtures.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -161,7 +162,12 @@ private slots:
 
         const testsupport::DecodedAudio reference = Fixtures::decode(path);
         QVERIFY2(reference.channels == channels, qPrintable(Fixtures::lastError()));
-        QCOMPARE(qint64(read.samples.size()) / channels, reference.frameCount());
+        // QuickTime-family files state their exact length and the encoder's padding past it is
+        // cut; elsewhere every decoded frame counts.
+        const bool exactLength = fileName.endsWith(QStringLiteral(".m4a"));
+        QCOMPARE(qint64(read.samples.size()) / channels,
+                 exactLength ? qint64(2 * rate) : reference.frameCount());
+        QVERIFY(read.samples.size() <= reference.samples.size());
         float largestDifference = 0.0f;
         for (std::size_t i = 0; i < read.samples.size(); ++i)
             largestDifference =
@@ -202,7 +208,11 @@ private slots:
         QCOMPARE(read.status, AssetReader::Status::completed);
         QCOMPARE(read.sampleRate, 44100);
         QCOMPARE(read.channels, 2);
-        QCOMPARE(qint64(read.samples.size()) / 2, Fixtures::decode(path).frameCount());
+        const qint64 frames = qint64(read.samples.size()) / 2;
+        if (fileName.endsWith(QStringLiteral(".mkv")))
+            QCOMPARE(frames, Fixtures::decode(path).frameCount());
+        else
+            QCOMPARE(frames, qint64(88200));
     }
 
     void sixteenBitAtAGivenRateAndChannelCount()
@@ -288,6 +298,45 @@ private slots:
         QVERIFY(next.get() != held.get());
         QCOMPARE(next->presentationTime().value,
                  held->presentationTime().value + held->frameCount());
+    }
+
+    void onlyEnabledTracksOfAMovieSayEnabled()
+    {
+        const QString path = QDir(m_directory.path()).filePath("two.m4a");
+        QVERIFY(
+            Fixtures::runFfmpeg({"-f", "lavfi", "-i", "sine=d=1", "-f", "lavfi", "-i",
+                                 "sine=d=1:f=880", "-map", "0", "-map", "1", "-c:a", "aac", path}));
+        const std::vector<AssetTrack> tracks = Asset(path).tracks(MediaType::audio);
+        QCOMPARE(tracks.size(), std::size_t(2));
+        QVERIFY(tracks[0].isEnabled());
+        QVERIFY(!tracks[1].isEnabled());
+        QCOMPARE(tracks[1].trackId(), 1);
+    }
+
+    void outputsOfOneReaderArePulledInAnyOrder()
+    {
+        const QString path = QDir(m_directory.path()).filePath("two.m4a");
+        const Asset asset(path);
+        const std::vector<AssetTrack> tracks = asset.tracks(MediaType::audio);
+        QCOMPARE(tracks.size(), std::size_t(2));
+        AssetReader reader(asset);
+        auto first = std::make_shared<AssetReaderTrackOutput>(tracks[0], decodeSettings());
+        auto second = std::make_shared<AssetReaderTrackOutput>(tracks[1], decodeSettings());
+        reader.add(first);
+        reader.add(second);
+        QCOMPARE(reader.outputs().size(), std::size_t(2));
+        QVERIFY(reader.startReading());
+        // All of the first track, then all of the second.
+        qint64 firstFrames = 0;
+        while (const auto buffer = first->copyNextSampleBuffer())
+            firstFrames += buffer->frameCount();
+        QCOMPARE(reader.status(), AssetReader::Status::reading);
+        qint64 secondFrames = 0;
+        while (const auto buffer = second->copyNextSampleBuffer())
+            secondFrames += buffer->frameCount();
+        QCOMPARE(reader.status(), AssetReader::Status::completed);
+        QCOMPARE(firstFrames, qint64(44100));
+        QCOMPARE(secondFrames, qint64(44100));
     }
 
     void loadsAwaitTheProbeOnce()

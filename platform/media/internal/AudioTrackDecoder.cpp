@@ -10,6 +10,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cmath>
 
 namespace platform::internal {
 
@@ -52,6 +53,15 @@ AudioTrackDecoder::AudioTrackDecoder(ReaderSource& source, int streamIndex, Targ
     result = avcodec_open2(m_decoder.get(), codec, nullptr);
     if (result < 0)
         throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot open the audio decoder"));
+
+    // QuickTime-family files state each track's exact length (their edit lists cut the
+    // encoder's padding); FFmpeg trims the start but not the end, so the end is cut here.
+    // Elsewhere a stated length may be an estimate and is not trusted.
+    const bool statesExactLength = QByteArray(source.context()->iformat->name).startsWith("mov,");
+    if (statesExactLength && stream.duration != AV_NOPTS_VALUE && stream.duration > 0) {
+        const std::int64_t start = stream.start_time != AV_NOPTS_VALUE ? stream.start_time : 0;
+        m_endTime = av_q2d(stream.time_base) * static_cast<double>(start + stream.duration);
+    }
 
     m_outputFormat = target.format == SampleBuffer::SampleFormat::float32 ? AV_SAMPLE_FMT_FLT
                                                                           : AV_SAMPLE_FMT_S16;
@@ -135,6 +145,16 @@ std::shared_ptr<SampleBuffer> AudioTrackDecoder::invalidBuffer()
 std::shared_ptr<SampleBuffer> AudioTrackDecoder::finish(std::shared_ptr<SampleBuffer> buffer,
                                                         int filled)
 {
+    if (m_endTime > 0.0) {
+        const auto endSample = static_cast<std::int64_t>(std::llround(m_endTime * m_outputRate));
+        if (m_nextSample + filled >= endSample) {
+            filled =
+                static_cast<int>(std::clamp<std::int64_t>(endSample - m_nextSample, 0, filled));
+            m_ended = true;
+            if (filled == 0)
+                return nullptr;
+        }
+    }
     buffer->setFrameCount(filled);
     buffer->setPresentationTime(MediaTime::make(m_nextSample, m_outputRate));
     m_nextSample += filled;
@@ -143,12 +163,12 @@ std::shared_ptr<SampleBuffer> AudioTrackDecoder::finish(std::shared_ptr<SampleBu
 
 std::shared_ptr<SampleBuffer> AudioTrackDecoder::next()
 {
+    if (m_ended)
+        return nullptr;
     if (m_invalidPending) {
         m_invalidPending = false;
         return invalidBuffer();
     }
-    if (m_ended)
-        return nullptr;
 
     std::shared_ptr<SampleBuffer> buffer;
     int filled = 0;

@@ -64,6 +64,8 @@ private:
     bool m_ended = false;
     bool m_timeKnown = false;
     std::int64_t m_nextSample = 0;
+    // Where the track ends by its container, in seconds; 0 when not stated exactly.
+    double m_endTime = 0.0;
     SampleBufferPool m_pool;
 };
 

@@ -116,6 +116,7 @@ ProbeInfo probeFile(const QString& path)
     ProbeInfo info;
     info.duration = durationOf(format);
     info.containerName = QString::fromUtf8(format.iformat->name);
+    const bool isQuickTimeFamily = info.containerName.startsWith(QStringLiteral("mov,"));
     for (unsigned i = 0; i < format.nb_streams; ++i) {
         const AVStream& stream = *format.streams[i];
         const AVMediaType kind = stream.codecpar->codec_type;
@@ -127,6 +128,10 @@ ProbeInfo probeFile(const QString& path)
         TrackInfo track;
         track.streamIndex = stream.index;
         track.mediaType = kind == AVMEDIA_TYPE_AUDIO ? MediaType::audio : MediaType::video;
+        // QuickTime-family files carry an enabled flag per track, which FFmpeg reports as the
+        // default disposition; other containers have no such flag.
+        if (isQuickTimeFamily)
+            track.isEnabled = (stream.disposition & AV_DISPOSITION_DEFAULT) != 0;
         track.formatDescriptions.push_back(describe(stream, track.mediaType));
         info.tracks.push_back(std::move(track));
     }
