@@ -5,6 +5,7 @@
 #include "tests/support/Fixtures.h"
 
 #include <QDir>
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -298,6 +299,23 @@ private slots:
         QVERIFY(next.get() != held.get());
         QCOMPARE(next->presentationTime().value,
                  held->presentationTime().value + held->frameCount());
+    }
+
+    void aCoverPictureIsNoVideoTrack()
+    {
+        const QString tone = Fixtures::makeTone(m_directory.path(), "plain.mp3", 1.0, 44100, 2,
+                                                {"-c:a", "libmp3lame"});
+        const QString picture = QDir(m_directory.path()).filePath("cover.png");
+        const QString path = QDir(m_directory.path()).filePath("covered.mp3");
+        QVERIFY(Fixtures::runFfmpeg(
+            {"-f", "lavfi", "-i", "testsrc=size=64x64:d=1", "-frames:v", "1", picture}));
+        QVERIFY(Fixtures::runFfmpeg({"-i", tone, "-i", picture, "-map", "0", "-map", "1", "-c",
+                                     "copy", "-disposition:v", "attached_pic", path}));
+        QCOMPARE(Fixtures::probe(path)["streams"].toArray().size(), 2);
+        const Asset asset(path);
+        QVERIFY(asset.tracks(MediaType::video).empty());
+        QCOMPARE(asset.tracks(MediaType::audio).size(), std::size_t(1));
+        QCOMPARE(readAll(path, decodeSettings()).status, AssetReader::Status::completed);
     }
 
     void onlyEnabledTracksOfAMovieSayEnabled()
