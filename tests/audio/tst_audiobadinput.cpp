@@ -1,0 +1,351 @@
+// Sources and settings the audio engine must refuse: each ends in its exact error and tracker
+// texts within seconds, leaves the source as it was and crashes nothing.
+#include "ConversionEngine/AudioConverter.h"
+#include "ConversionEngine/ManualProgressClock.h"
+#include "tests/audio/ConversionHarness.h"
+#include "tests/support/Fixtures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+using namespace ConversionEngine;
+using testsupport::Fixtures;
+
+namespace {
+
+// Stays well below the watchdog: a refusal must come quickly.
+constexpr qint64 promptMilliseconds = 5000;
+
+const QStringList openingLines{
+    QStringLiteral("start: Starting initializing..."),
+    QStringLiteral("update: Validating input file... | Initializing | 0"),
+};
+
+const QStringList uptoReadableCheck =
+    openingLines +
+    QStringList{
+        QStringLiteral("update: Input validation complete | Loading File | 0.05"),
+        QStringLiteral("update: Loading audio asset... | Loading File | 0.05"),
+        QStringLiteral("update: Analyzing audio properties... | Analyzing Media | 0.1"),
+    };
+
+const QStringList notReadableLines =
+    uptoReadableCheck + QStringList{
+                            QStringLiteral("stop: File is not readable or corrupted"),
+                            QStringLiteral("stop: Failed to validate file structure"),
+                            QStringLiteral("stop"),
+                        };
+
+const QString notReadableText = QStringLiteral(
+    "Invalid file structure: Failed to validate file structure: Invalid file structure: File is "
+    "not readable or corrupted");
+
+// `before`, then the failing stop with `text` and the closing stop without one.
+QStringList stoppedWith(const QStringList& before, const QString& text)
+{
+    return before + QStringList{QStringLiteral("stop: ") + text, QStringLiteral("stop")};
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
+QByteArray randomBytes(int size, quint32 seed)
+{
+    QRandomGenerator generator(seed);
+    QByteArray bytes(size, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(generator.bounded(256));
+    return bytes;
+}
+
+} // namespace
+
+class TestAudioBadInput : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    QString m_tone;
+    // What refuse() found wrong beyond the error itself; checked after each test.
+    QStringList m_problems;
+
+    // Converts `source` to a WAV and notes in m_problems whether the refusal came slowly, changed
+    // the source or left an output.
+    audiotest::Outcome refuse(const QString& source, QStringList* trackerLines = nullptr,
+                              AudioFormat format = AudioFormat::wav,
+                              const AudioSettings& settings = audiotest::settingsFor(
+                                  AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16),
+                              const QString& outputName = QStringLiteral("refused.wav"))
+    {
+        ManualProgressClock clock;
+        AudioConverter converter;
+        audiotest::TrackerLog log(converter.progressTracker());
+        const QFileInfo info(source);
+        const QByteArray before = info.isFile() ? Fixtures::sha256(source) : QByteArray();
+        const QString output = m_dir.filePath(outputName);
+        const audiotest::Outcome outcome =
+            audiotest::convert(converter, source, output, format, settings);
+        if (outcome.elapsedMilliseconds > promptMilliseconds)
+            m_problems.append(QStringLiteral("took %1 ms").arg(outcome.elapsedMilliseconds));
+        if (info.isFile() && info.isReadable() && Fixtures::sha256(source) != before)
+            m_problems.append(QStringLiteral("the source changed"));
+        if (QFileInfo::exists(output))
+            m_problems.append(QStringLiteral("an output was left at ") + output);
+        if (trackerLines)
+            *trackerLines = log.lines();
+        return outcome;
+    }
+
+    static void verifyUntouched(const QString& source, const QByteArray& hash)
+    {
+        QCOMPARE(Fixtures::sha256(source), hash);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        m_tone = Fixtures::makeTone(m_dir.path(), QStringLiteral("tone.wav"), 1.0, 48000, 2);
+        QVERIFY(!m_tone.isEmpty());
+    }
+
+    void cleanup() { QFile::remove(m_dir.filePath(QStringLiteral("refused.wav"))); }
+
+    void missingSourceIsNotFound()
+    {
+        QStringList lines;
+        const QString source = m_dir.filePath(QStringLiteral("absent.wav"));
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY(outcome.conversionError);
+        QCOMPARE(*outcome.conversionError, ConversionError::inputFileNotFound(source));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Input file not found: absent.wav"));
+        QCOMPARE(lines,
+                 stoppedWith(openingLines, QStringLiteral("Input file not found: absent.wav")));
+    }
+
+    void zeroByteFileIsNotReadable()
+    {
+        const QString source = m_dir.filePath(QStringLiteral("empty.wav"));
+        writeFile(source, {});
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->kind(), ConversionError::Kind::invalidFileStructure);
+        QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
+        QCOMPARE(lines, notReadableLines);
+        QVERIFY(outcome.elapsedMilliseconds < promptMilliseconds);
+        QCOMPARE(QFileInfo(source).size(), qint64(0));
+        QVERIFY(!QFileInfo::exists(m_dir.filePath(QStringLiteral("refused.wav"))));
+    }
+
+    void randomBytesAreNotReadable_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("wav") << QStringLiteral("noise.wav");
+        QTest::newRow("mp4") << QStringLiteral("noise.mp4");
+    }
+
+    void randomBytesAreNotReadable()
+    {
+        QFETCH(QString, name);
+        const QString source = m_dir.filePath(name);
+        writeFile(source, randomBytes(65536, 7));
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
+        QCOMPARE(lines, notReadableLines);
+        QVERIFY(outcome.elapsedMilliseconds < promptMilliseconds);
+        verifyUntouched(source, hash);
+    }
+
+    void truncatedMp4IsNotReadable()
+    {
+        // Index at the end, as the tool writes it by default: cut there, the file has no index.
+        const QString whole =
+            Fixtures::makeVideo(m_dir.path(), QStringLiteral("whole.mp4"), 2.0, true);
+        QVERIFY(!whole.isEmpty());
+        QFile file(whole);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        const QString source = m_dir.filePath(QStringLiteral("truncated.mp4"));
+        writeFile(source, bytes.left(bytes.size() / 2));
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
+        QCOMPARE(lines, notReadableLines);
+        verifyUntouched(source, hash);
+    }
+
+    void videoWithoutAudioHasNoAudioTrack()
+    {
+        const QString source =
+            Fixtures::makeVideo(m_dir.path(), QStringLiteral("mute.mp4"), 1.0, false);
+        QVERIFY(!source.isEmpty());
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError, ConversionError::invalidFileStructure(QStringLiteral(
+                                               "No audio track found in the source file")));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Invalid file structure: No audio track found in the source file"));
+        QCOMPARE(lines, stoppedWith(uptoReadableCheck, QStringLiteral("No audio track found")));
+        verifyUntouched(source, hash);
+    }
+
+    void directoryNamedLikeAFileIsNotReadable()
+    {
+        const QString source = m_dir.filePath(QStringLiteral("x.wav"));
+        QVERIFY(QDir().mkpath(source));
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
+        QCOMPARE(lines, notReadableLines);
+        QVERIFY(QFileInfo(source).isDir());
+    }
+
+    void fifoIsRefusedWithoutHanging()
+    {
+        const QString source = m_dir.filePath(QStringLiteral("pipe.wav"));
+        QCOMPARE(::mkfifo(QFile::encodeName(source).constData(), 0600), 0);
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
+        QCOMPARE(lines, notReadableLines);
+        QVERIFY(outcome.elapsedMilliseconds < promptMilliseconds);
+    }
+
+    void unreadableSourceIsDenied()
+    {
+        if (::geteuid() == 0) {
+            // Root reads whatever the mode says: run this case again as an unprivileged user.
+            const QString setpriv = QStringLiteral("/usr/bin/setpriv");
+            if (!QFileInfo(setpriv).isExecutable())
+                QSKIP("Running as root and no way to drop privileges here");
+            QProcess child;
+            child.setProcessChannelMode(QProcess::MergedChannels);
+            child.start(setpriv,
+                        {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                         QStringLiteral("--clear-groups"), QCoreApplication::applicationFilePath(),
+                         QStringLiteral("unreadableSourceIsDenied")});
+            QVERIFY(child.waitForFinished(60000));
+            const QByteArray report = child.readAll();
+            if (report.contains("Permission denied") && child.exitCode() != 0 &&
+                !report.contains("FAIL!"))
+                QSKIP("The unprivileged user cannot run this test program here");
+            QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+                     report.constData());
+            QVERIFY2(report.contains("PASS   : TestAudioBadInput::unreadableSourceIsDenied()"),
+                     report.constData());
+            return;
+        }
+        const QString source = m_dir.filePath(QStringLiteral("locked.wav"));
+        QVERIFY(QFile::copy(m_tone, source));
+        QVERIFY(QFile::setPermissions(source, QFileDevice::WriteOwner));
+        QStringList lines;
+        const audiotest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError,
+                 ConversionError::permissionDenied(QStringLiteral("Cannot read input file")));
+        QCOMPARE(lines, stoppedWith(openingLines,
+                                    QStringLiteral("Permission denied: Cannot read input file")));
+        QVERIFY(QFile::setPermissions(source, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        verifyUntouched(source, Fixtures::sha256(m_tone));
+    }
+
+    void missingOutputFolderIsNotWritable()
+    {
+        ManualProgressClock clock;
+        AudioConverter converter;
+        audiotest::TrackerLog log(converter.progressTracker());
+        const QByteArray hash = Fixtures::sha256(m_tone);
+        const QString folder = m_dir.filePath(QStringLiteral("gone"));
+        const audiotest::Outcome outcome =
+            audiotest::convert(converter, m_tone, folder + QStringLiteral("/out.wav"),
+                               AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        QVERIFY(outcome.conversionError);
+        QCOMPARE(*outcome.conversionError, ConversionError::outputLocationNotWritable(folder));
+        QCOMPARE(log.lines(),
+                 stoppedWith(openingLines,
+                             QStringLiteral("Cannot write to output location: ") + folder));
+        QVERIFY(!QFileInfo::exists(folder));
+        verifyUntouched(m_tone, hash);
+    }
+
+    void heAacVariantsHaveNoEncoder_data()
+    {
+        QTest::addColumn<AudioCodec>("codec");
+        QTest::newRow("he-aac") << AudioCodec::heAac;
+        QTest::newRow("he-aac-v2") << AudioCodec::heAacV2;
+    }
+
+    void heAacVariantsHaveNoEncoder()
+    {
+        QFETCH(AudioCodec, codec);
+        QStringList lines;
+        const QByteArray hash = Fixtures::sha256(m_tone);
+        const audiotest::Outcome outcome =
+            refuse(m_tone, &lines, AudioFormat::m4a,
+                   audiotest::settingsFor(codec, SampleRate::rate48000, std::nullopt,
+                                          AudioBitrate::kbps64),
+                   QStringLiteral("refused.m4a"));
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError,
+                 ConversionError::codecNotSupported(QStringLiteral("Encoder not found")));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Codec 'Encoder not found' is not supported on this system"));
+        QCOMPARE(outcome.conversionError->recoverySuggestion(),
+                 QStringLiteral("Try using a different codec or update your system."));
+        const QStringList tail{
+            QStringLiteral("update: Starting audio conversion... | Processing Audio | 0.25"),
+            QStringLiteral("stop: Failed to start audio writing"),
+            QStringLiteral("stop"),
+        };
+        QCOMPARE(lines.mid(lines.size() - 3), tail);
+        QVERIFY(!QFileInfo::exists(m_dir.filePath(QStringLiteral("refused.m4a"))));
+        verifyUntouched(m_tone, hash);
+    }
+
+    void containerThatCannotCarryTheCodecRefusesTheInput()
+    {
+        QStringList lines;
+        const audiotest::Outcome outcome =
+            refuse(m_tone, &lines, AudioFormat::wav,
+                   audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt,
+                                          AudioBitrate::kbps128));
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError,
+                 ConversionError::conversionFailed(QStringLiteral(
+                     "Cannot add writer input - incompatible output format settings")));
+        const QStringList tail{
+            QStringLiteral("update: Configuring audio writer... | Configuring Export | 0.2"),
+            QStringLiteral("stop: Cannot configure audio writer"),
+            QStringLiteral("stop"),
+        };
+        QCOMPARE(lines.mid(lines.size() - 3), tail);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAudioBadInput)
+#include "tst_audiobadinput.moc"
