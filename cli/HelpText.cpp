@@ -1,0 +1,116 @@
+#include "cli/HelpText.h"
+
+#include "cli/CliOptionSpec.h"
+
+#include <QStringList>
+
+namespace Ondrilet {
+
+namespace {
+
+constexpr qsizetype lineWidth = 100;
+constexpr qsizetype helpColumn = 28;
+
+// Breaks `text` into lines of at most lineWidth characters, each but the first indented to
+// `indent`; the first continues wherever the caller stands.
+QString wrapped(const QString& text, qsizetype firstColumn, qsizetype indent)
+{
+    QString result;
+    qsizetype column = firstColumn;
+    const QStringList words = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QString& word = words[i];
+        if (i > 0 && column + 1 + word.size() > lineWidth) {
+            result += QLatin1Char('\n') + QString(indent, QLatin1Char(' '));
+            column = indent;
+        } else if (i > 0) {
+            result += QLatin1Char(' ');
+            ++column;
+        }
+        result += word;
+        column += word.size();
+    }
+    return result;
+}
+
+QString paragraph(const QString& text)
+{
+    return wrapped(text, 0, 0) + QStringLiteral("\n\n");
+}
+
+QString optionEntry(const CliOptionSpec& spec)
+{
+    QString head = QStringLiteral("  ") + spec.name;
+    if (spec.takesValue())
+        head += QLatin1Char(' ') + spec.valueName;
+    QString help = spec.help;
+    if (!spec.choices.isEmpty())
+        help += QStringLiteral(" One of: ") + spec.choices.join(QStringLiteral(", ")) +
+                QLatin1Char('.');
+    if (head.size() + 2 > helpColumn)
+        head += QLatin1Char('\n') + QString(helpColumn, QLatin1Char(' '));
+    else
+        head = head.leftJustified(helpColumn, QLatin1Char(' '));
+    return head + wrapped(help, helpColumn, helpColumn) + QLatin1Char('\n');
+}
+
+} // namespace
+
+QString HelpText::usage()
+{
+    return QStringLiteral("Usage: ondrilet-cli [options] FILE...\n"
+                          "       ondrilet-cli --list-presets\n"
+                          "       ondrilet-cli --measure FILE\n"
+                          "Try 'ondrilet-cli --help' for the options.\n");
+}
+
+QString HelpText::help()
+{
+    QString text = QStringLiteral("Usage: ondrilet-cli [options] FILE...\n"
+                                  "       ondrilet-cli --list-presets\n"
+                                  "       ondrilet-cli --measure FILE\n\n");
+    text += paragraph(QStringLiteral(
+        "Converts audio and video files one after the other, with the settings and the rules of "
+        "the Ondrilet window. Settings start where the window starts: with the first preset "
+        "applied. Then --preset is applied, and then every other option in the order given, "
+        "each doing what its control in the window does; a setting given twice counts last."));
+    text += paragraph(QStringLiteral(
+        "Files of every supported media type are accepted by their extension; a file of another "
+        "type is refused before anything is converted. The first failure ends the run: earlier "
+        "outputs stay, later files are not converted."));
+
+    CliOptionSpec::Group group = CliOptionSpec::Group::action;
+    text += CliOptionSpec::groupTitle(group) + QStringLiteral(":\n");
+    for (const CliOptionSpec& spec : CliOptionSpec::all()) {
+        if (spec.group != group) {
+            group = spec.group;
+            text += QLatin1Char('\n') + CliOptionSpec::groupTitle(group) + QStringLiteral(":\n");
+        }
+        text += optionEntry(spec);
+    }
+    text += QLatin1Char('\n');
+
+    text += paragraph(QStringLiteral(
+        "Without --output-dir or --beside-source, outputs go to the window's output directory: "
+        "the one last chosen in the window, else Downloads in the home directory. Of "
+        "--output-dir and --beside-source the last one given counts. The metadata options are "
+        "stored for every input file as the metadata editor stores them: video outputs carry the "
+        "tags, and the date options apply to the names of all outputs."));
+    text += paragraph(QStringLiteral(
+        "Console lines go to standard output. While standard error is a terminal, a progress bar "
+        "with the percentage done and the time remaining is drawn there. --measure prints one "
+        "JSON object with integratedLUFS, ungatedLUFS, effectiveGateLUFS and truePeakDBTP from "
+        "the loudness analysis and peakDB and peakLinear from the peak pass."));
+    text += QStringLiteral("Exit status:\n"
+                           "  0  every file converted (or the listing or the measurement done)\n");
+    text += QStringLiteral("  1  ") +
+            wrapped(QStringLiteral("a conversion failed, a file was refused, or the overwrite of "
+                                   "original files was not confirmed; the message is on standard "
+                                   "error"),
+                    5, 5) +
+            QLatin1Char('\n');
+    text += QStringLiteral("  2  a usage error\n");
+    return text;
+}
+
+} // namespace Ondrilet
