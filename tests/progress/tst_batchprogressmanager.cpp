@@ -350,7 +350,7 @@ private slots:
         const auto buffer = platform::SampleBuffer::make(platform::MediaTime::zero(), 44100, 2, 16);
         memory.trackBuffer(buffer);
         QSignalSpy stats(&manager, &BatchProgressManager::memoryStatsChanged);
-        QTRY_VERIFY_WITH_TIMEOUT(stats.count() >= 1, 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(stats.count() >= 1, 5000);
         QCOMPARE(manager.memoryStats().currentUsage, qint64(4096));
     }
 

@@ -591,7 +591,7 @@ private slots:
         QSignalSpy beats(&tracker, &EnhancedProgressTracker::heartbeatActiveChanged);
         QSignalSpy metrics(&tracker, &EnhancedProgressTracker::detailedMetricsChanged);
         tracker.startTracking(ConversionPhase::initializing);
-        QTRY_VERIFY_WITH_TIMEOUT(beats.count() >= 2, 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(beats.count() >= 2, 5000);
         QVERIFY(metrics.count() >= 2); // the stagnation check stamps the metrics each 0.1 s
         QCOMPARE(tracker.statusMessage(), QStringLiteral("Starting initializing..."));
         tracker.stopTracking();

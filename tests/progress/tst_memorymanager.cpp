@@ -224,8 +224,8 @@ private slots:
         clock.advance(3);
         // The return to normal is an event of its own, and it is handled like the first.
         LogCapture log(category);
-        QTRY_VERIFY_WITH_TIMEOUT(!source->isUnderPressure(), 1000);
-        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 2, 1000);
+        QTRY_VERIFY_WITH_TIMEOUT(!source->isUnderPressure(), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().size(), 2, 5000);
         QCOMPARE(log.lines().front().text,
                  QStringLiteral("Memory pressure detected - cleaning up buffers"));
         QCOMPARE(clock.pendingCount(), 2);
