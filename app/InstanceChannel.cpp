@@ -1,11 +1,16 @@
 #include "app/InstanceChannel.h"
 
+#include "app/ContentViewModel.h"
+#include "platform/foundation/NotificationCenter.h"
+
 #include <QDataStream>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QStandardPaths>
 #include <QUrl>
+
+#include <utility>
 
 namespace Ondrilet {
 
@@ -25,7 +30,32 @@ QString absoluteCleanPath(const QString& path, const QString& workingDirectory)
     return clean;
 }
 
+// Files that arrived before the main window; touched on the GUI thread only.
+QStringList& pendingFiles()
+{
+    static QStringList files;
+    return files;
+}
+
 } // namespace
+
+void InstanceChannel::openFiles(const QStringList& files, bool windowHasAppeared)
+{
+    if (files.isEmpty())
+        return;
+    if (!windowHasAppeared) {
+        pendingFiles().append(files);
+        return;
+    }
+    platform::NotificationCenter::defaultCenter().post(
+        ContentViewModel::addFilesNotification, nullptr,
+        QVariantMap{{ContentViewModel::addFilesKey, files}});
+}
+
+QStringList InstanceChannel::takePendingFiles()
+{
+    return std::exchange(pendingFiles(), {});
+}
 
 QString InstanceChannel::defaultServerName()
 {

@@ -26,6 +26,13 @@ public:
     // not a local file location is left out.
     static QStringList fileLocations(const QStringList& arguments, const QString& workingDirectory);
 
+    // Files opened with the program arrive here. Once the main window has appeared they are
+    // posted as "AddFilesFromFinder" (user info "files": the paths); before that they wait in
+    // the pending list, which the window's first appearance takes.
+    static void openFiles(const QStringList& files, bool windowHasAppeared);
+    // Empties the pending list and answers what it held, in arrival order.
+    static QStringList takePendingFiles();
+
     explicit InstanceChannel(QString serverName = defaultServerName(), QObject* parent = nullptr);
     ~InstanceChannel() override;
 

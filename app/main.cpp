@@ -1,7 +1,41 @@
-// OndriletApp: starts the application and shows the main window.
+// OndriletApp: starts the application, or hands its files to the Ondrilet already running, and
+// shows the main window. GUI thread.
+#include "app/AppMemoryManager.h"
+#include "app/ContentViewModel.h"
+#include "app/FileListModel.h"
+#include "app/InstanceChannel.h"
+#include "app/PresetStore.h"
+#include "app/views/AppearancePalette.h"
 #include "app/views/MainWindow.h"
+#include "platform/foundation/MainQueue.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QSaveFile>
+
+namespace {
+
+// With ONDRILET_FILE_LIST_DUMP set, the listed files are written to that file, one per line,
+// whenever the list changes: how a script sees the window's list without looking at pixels.
+void dumpFileListOnChange(Ondrilet::ContentViewModel& model)
+{
+    const QString target = qEnvironmentVariable("ONDRILET_FILE_LIST_DUMP");
+    if (target.isEmpty())
+        return;
+    const auto dump = [target](const QStringList& files) {
+        QSaveFile file(target);
+        if (!file.open(QIODevice::WriteOnly))
+            return;
+        for (const QString& path : files)
+            file.write(path.toUtf8() + '\n');
+        file.commit();
+    };
+    QObject::connect(model.fileList(), &Ondrilet::FileListModel::selectedFilesChanged, &model,
+                     dump);
+    dump(model.selectedFiles());
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -9,8 +43,33 @@ int main(int argc, char* argv[])
     QApplication::setApplicationName(QStringLiteral("Ondrilet"));
     QApplication::setOrganizationName(QStringLiteral("Ondrilet"));
     QApplication::setApplicationVersion(QStringLiteral(ONDRILET_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.ondrilet.Ondrilet"));
 
-    Ondrilet::MainWindow window;
+    const QStringList files = Ondrilet::InstanceChannel::fileLocations(
+        application.arguments().mid(1), QDir::currentPath());
+
+    // One Ondrilet per user: a running one takes the files (or just comes forward).
+    Ondrilet::InstanceChannel channel;
+    if (channel.handOff(files))
+        return 0;
+    if (!channel.listen() && channel.handOff(files))
+        return 0;
+
+    Ondrilet::AppearancePalette::apply(QStringLiteral("System"));
+
+    Ondrilet::PresetStore presetStore;
+    Ondrilet::AppMemoryManager appMemoryManager;
+    Ondrilet::ContentViewModel model(&presetStore);
+    dumpFileListOnChange(model);
+
+    Ondrilet::InstanceChannel::openFiles(files, false);
+    Ondrilet::MainWindow window(&model);
+    QObject::connect(&channel, &Ondrilet::InstanceChannel::filesReceived, &window,
+                     [&window](const QStringList& received) {
+                         Ondrilet::InstanceChannel::openFiles(received, window.hasAppeared());
+                         // After the window's own handling of the files.
+                         platform::MainQueue::async([&window] { window.bringToFront(); });
+                     });
     window.show();
     return QApplication::exec();
 }
