@@ -195,6 +195,87 @@ private slots:
         verifyUntouched(source, hash);
     }
 
+    // With its index up front the file opens, and the reader finds the data cut short. The
+    // media layer may take the cut as the end of the stream (a shorter output) or as a read
+    // failure (the reader's error); either way the run ends at once and the source stays.
+    void truncatedMp4WithItsIndexFirstEndsPromptly()
+    {
+        const QString whole = Fixtures::makeVideo(
+            m_dir.path(), QStringLiteral("indexed.mp4"), 3.0, true,
+            {QStringLiteral("-c:v"), QStringLiteral("libx264"), QStringLiteral("-preset"),
+             QStringLiteral("ultrafast"), QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p"),
+             QStringLiteral("-movflags"), QStringLiteral("+faststart")});
+        QVERIFY(!whole.isEmpty());
+        QFile file(whole);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        const QString source = m_dir.filePath(QStringLiteral("indexed-half.mp4"));
+        writeFile(source, bytes.left(bytes.size() / 2));
+        const QByteArray hash = Fixtures::sha256(source);
+        const QString output = m_dir.filePath(QStringLiteral("indexed-half.wav"));
+        ManualProgressClock clock;
+        AudioConverter converter;
+        audiotest::TrackerLog log(converter.progressTracker());
+        const audiotest::Outcome outcome = audiotest::convert(
+            converter, source, output, AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        QVERIFY(outcome.finished);
+        QVERIFY(outcome.elapsedMilliseconds < promptMilliseconds);
+        verifyUntouched(source, hash);
+        if (outcome.succeeded()) {
+            const double seconds = Fixtures::probeAudio(output).durationSeconds;
+            QVERIFY2(seconds > 0.5 && seconds < 2.9, qPrintable(QString::number(seconds)));
+            QCOMPARE(log.lines().last(), QStringLiteral("stop"));
+            QCOMPARE(log.lines().at(log.lines().size() - 2),
+                     QStringLiteral("complete: ✅ Audio conversion completed successfully"));
+        } else {
+            QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+            QVERIFY(log.lines().contains(QStringLiteral("stop: Audio reader failed")));
+            QCOMPARE(log.lines().last(), QStringLiteral("stop"));
+        }
+    }
+
+    // Noise in place of most of the compressed data: the decoder refuses buffer after buffer,
+    // the pump gives up at the tenth in a row and cancels, and the verdict finds no output.
+    void corruptedAudioDataEndsInThePumpAndLeavesNoOutput()
+    {
+        const QString clean =
+            Fixtures::makeTone(m_dir.path(), QStringLiteral("clean.m4a"), 4.0, 48000, 2,
+                               {QStringLiteral("-c:a"), QStringLiteral("aac"),
+                                QStringLiteral("-movflags"), QStringLiteral("+faststart")});
+        QVERIFY(!clean.isEmpty());
+        QFile file(clean);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray bytes = file.readAll();
+        const qsizetype mdat = bytes.indexOf("mdat");
+        QVERIFY(mdat > 0);
+        const QByteArray noise = randomBytes(int(bytes.size() - mdat - 2000), 11);
+        bytes.replace(mdat + 1000, noise.size(), noise);
+        const QString source = m_dir.filePath(QStringLiteral("corrupt.m4a"));
+        writeFile(source, bytes);
+        const QByteArray hash = Fixtures::sha256(source);
+
+        ManualProgressClock clock;
+        AudioConverter converter;
+        audiotest::TrackerLog log(converter.progressTracker());
+        const QString output = m_dir.filePath(QStringLiteral("corrupt.wav"));
+        const audiotest::Outcome outcome = audiotest::convert(
+            converter, source, output, AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError,
+                 ConversionError::conversionFailed(QStringLiteral("Output file was not created")));
+        const QStringList tail{
+            QStringLiteral("update: Audio processing started | Processing Audio | 0.3"),
+            QStringLiteral("stop: Too many invalid audio samples - file may be corrupted"),
+            QStringLiteral("stop: Output file was not created"),
+            QStringLiteral("stop"),
+        };
+        const QStringList milestones = log.milestones();
+        QCOMPARE(milestones.mid(milestones.size() - 4), tail);
+        QVERIFY(!QFileInfo::exists(output));
+        QVERIFY(outcome.elapsedMilliseconds < promptMilliseconds);
+        verifyUntouched(source, hash);
+    }
+
     void videoWithoutAudioHasNoAudioTrack()
     {
         const QString source =
