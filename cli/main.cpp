@@ -1,6 +1,52 @@
-// ondrilet-cli: converts files from a terminal with the same models as the window.
+// ondrilet-cli: converts files from a terminal with the same models as the window, lists the
+// presets, or measures a file's loudness and peak. Main thread.
+#include "app/AppMemoryManager.h"
+#include "app/ContentViewModel.h"
+#include "app/PresetStore.h"
+#include "cli/CliOptionParser.h"
+#include "cli/ConversionRun.h"
+#include "cli/HelpText.h"
+#include "cli/MeasureCommand.h"
+#include "cli/PresetListing.h"
+#include "cli/TerminalOutput.h"
+#include "cli/UsageError.h"
+
 #include <QCoreApplication>
-#include <QTextStream>
+#include <QCoro/QCoroTask>
+#include <QDir>
+#include <QLoggingCategory>
+#include <QTimer>
+
+namespace {
+
+using namespace Ondrilet;
+
+int convert(const CliRequest& request, TerminalOutput& terminal)
+{
+    PresetStore presetStore;
+    AppMemoryManager appMemoryManager;
+    ContentViewModel model(&presetStore);
+    ConversionRun run(&model, &terminal);
+    // Queued: a run refused at once ends before the loop below has started.
+    QObject::connect(&run, &ConversionRun::finished, QCoreApplication::instance(),
+                     &QCoreApplication::exit, Qt::QueuedConnection);
+    terminal.startRelay();
+    run.start(request);
+    const int status = QCoreApplication::exec();
+    terminal.stopRelay();
+    return status;
+}
+
+int measure(const QString& file, TerminalOutput& terminal)
+{
+    QTimer::singleShot(0, [file, &terminal] {
+        QCoro::connect(MeasureCommand::run(file, &terminal), QCoreApplication::instance(),
+                       [](int status) { QCoreApplication::exit(status); });
+    });
+    return QCoreApplication::exec();
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -8,13 +54,34 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(QStringLiteral("ondrilet-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ONDRILET_VERSION));
 
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
-    QTextStream out(stdout);
-    if (arguments == QStringList{QStringLiteral("--version")}) {
-        out << "ondrilet-cli " << ONDRILET_VERSION << '\n';
-        return 0;
+    TerminalOutput terminal;
+    terminal.takeOverQtMessages();
+    // The log handles are for whoever asks for them (QT_LOGGING_RULES wins over this): a terminal
+    // user reads the console lines, the progress and the alerts, which say the same.
+    QLoggingCategory::setFilterRules(QStringLiteral("Ondrilet.*=false"));
+    CliRequest request;
+    try {
+        request = CliOptionParser::parse(QCoreApplication::arguments().mid(1), QDir::currentPath());
+    } catch (const UsageError& error) {
+        terminal.writeError(QStringLiteral("ondrilet-cli: ") + error.message());
+        terminal.writeError(HelpText::usage());
+        return ConversionRun::exitUsage;
     }
-    QTextStream err(stderr);
-    err << "usage: ondrilet-cli --version\n";
-    return arguments == QStringList{QStringLiteral("--help")} ? 0 : 2;
+
+    switch (request.action) {
+    case CliRequest::Action::help:
+        TerminalOutput::writeOutput(HelpText::help());
+        return 0;
+    case CliRequest::Action::version:
+        TerminalOutput::writeOutput(QStringLiteral("ondrilet-cli " ONDRILET_VERSION "\n"));
+        return 0;
+    case CliRequest::Action::listPresets:
+        TerminalOutput::writeOutput(PresetListing::text(PresetStore().allPresets()));
+        return 0;
+    case CliRequest::Action::measure:
+        return measure(request.measureFile, terminal);
+    case CliRequest::Action::convert:
+        return convert(request, terminal);
+    }
+    return ConversionRun::exitUsage;
 }

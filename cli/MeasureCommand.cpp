@@ -1,0 +1,53 @@
+#include "cli/MeasureCommand.h"
+
+#include "ConversionEngine/ConversionError.h"
+#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/PeakLevelPass.h"
+#include "cli/MeasureReport.h"
+#include "cli/TerminalOutput.h"
+#include "platform/foundation/FileSystemError.h"
+#include "platform/media/MediaError.h"
+
+#include <exception>
+
+namespace Ondrilet {
+
+QCoro::Task<int> MeasureCommand::run(QString file, TerminalOutput* terminal)
+{
+    std::exception_ptr failure;
+    try {
+        const ConversionEngine::LoudnessResult loudness =
+            co_await ConversionEngine::IntegratedLoudnessAnalyzer().analyze(file);
+        const ConversionEngine::PeakLevel peak =
+            co_await ConversionEngine::PeakLevelPass::measurePeakLevel(file);
+        TerminalOutput::writeOutput(MeasureReport::json(file, loudness, peak));
+        co_return 0;
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    terminal->writeError(failureText(failure));
+    co_return 1;
+}
+
+QString MeasureCommand::failureText(const std::exception_ptr& error)
+{
+    try {
+        std::rethrow_exception(error);
+    } catch (const ConversionEngine::ConversionError& conversionError) {
+        QString text = conversionError.errorDescription();
+        const QString suggestion = conversionError.recoverySuggestion();
+        if (!suggestion.isEmpty())
+            text += QStringLiteral("\n\n") + suggestion;
+        return text;
+    } catch (const platform::MediaError& mediaError) {
+        return mediaError.localizedDescription();
+    } catch (const platform::FileSystemError& fileError) {
+        return fileError.localizedDescription();
+    } catch (const std::exception& other) {
+        return QString::fromUtf8(other.what());
+    } catch (...) {
+        return QStringLiteral("The measurement failed.");
+    }
+}
+
+} // namespace Ondrilet

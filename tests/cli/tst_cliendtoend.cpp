@@ -1,0 +1,537 @@
+// ondrilet-cli run as a program on real files made by ffmpeg: exit statuses, what goes to
+// standard output and standard error, output names as the naming rules give them, presets and
+// the order of the options, level targets checked by measuring the results, the overwrite
+// question with and without --yes, refused files and failures. Each run has a home directory of
+// its own, so that no preference of one run reaches another.
+#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/PeakLevelPass.h"
+#include "app/PendingMetadataStore.h"
+#include "cli/HelpText.h"
+#include "cli/MeasureReport.h"
+#include "platform/foundation/UserDefaults.h"
+#include "tests/support/Fixtures.h"
+
+#include <QCborMap>
+#include <QCoro/QCoroTask>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cmath>
+
+using namespace Ondrilet;
+using testsupport::Fixtures;
+
+namespace {
+
+struct Result
+{
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+const QString presetListing =
+    QStringLiteral("H.264 Broadcast 25fps\tMOV, H.264, PCM\n"
+                   "ProRes 422 1080p\tMOV, 1080p, ProRes 422, PCM\n"
+                   "ProRes 4444 4K Alpha\tMOV, 4K, ProRes 4444, PCM\n"
+                   "H.265 Master 4K\tMP4, 4K, H.265, AAC\n"
+                   "YouTube 1080p\tMP4, 1080p, AAC\n"
+                   "WAV 24/48 (PCM)\tWAV, 24-bit, 48kHz\n"
+                   "ALAC 24/96\tM4A, ALAC, 24/96\n"
+                   "CAF 24/48 (PCM)\tCAF, 24-bit, 48kHz\n"
+                   "HE-AAC v2 24k/48 (DAB+)\tm4a, HE-AAC v2, 24k, 48 kHz\n"
+                   "AAC 256k/44.1\tM4A, AAC, 256k\n");
+
+const QString overwriteRefusal = QStringLiteral(
+    "Overwrite Original Files?\n"
+    "This conversion will overwrite the original source file(s). The original files will be "
+    "permanently replaced.\n\nAre you sure you want to continue?\n"
+    "ondrilet-cli: nothing was converted; give --yes to overwrite the original files\n");
+
+QString usageFailure(const QString& message)
+{
+    return QStringLiteral("ondrilet-cli: ") + message + QLatin1Char('\n') + HelpText::usage();
+}
+
+// Every file below `directory`, hidden ones too, relative and sorted.
+QStringList filesBelow(const QString& directory)
+{
+    QStringList files;
+    QDirIterator it(directory, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.append(QDir(directory).relativeFilePath(it.next()));
+    files.sort();
+    return files;
+}
+
+} // namespace
+
+class TestCliEndToEnd : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_root;
+    QString m_tone; // 2 s, 44.1 kHz stereo, 16-bit WAV, kept pristine; tests copy it
+    QString m_home;
+    QString m_work;
+    QString m_out;
+
+    // Runs the program in m_work with a home directory of the current test's own.
+    Result run(const QStringList& arguments)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("HOME"), m_home);
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
+        environment.remove(QStringLiteral("QT_LOGGING_RULES"));
+        environment.remove(QStringLiteral("QT_MESSAGE_PATTERN"));
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(m_work);
+        process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
+        if (!process.waitForFinished(120000))
+            qFatal("ondrilet-cli did not finish");
+        Result result;
+        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        result.out = QString::fromUtf8(process.readAllStandardOutput());
+        result.err = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+
+    QString copyTone(const QString& directory, const QString& name)
+    {
+        const QString path = directory + QLatin1Char('/') + name;
+        if (!QFile::copy(m_tone, path))
+            qFatal("cannot copy the tone");
+        return path;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_root.isValid());
+        QVERIFY(QDir().mkpath(m_root.filePath(QStringLiteral("fixtures"))));
+        m_tone = Fixtures::makeTone(m_root.filePath(QStringLiteral("fixtures")),
+                                    QStringLiteral("tone.wav"), 2.0, 44100, 2,
+                                    {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
+        QVERIFY2(!m_tone.isEmpty(), qPrintable(Fixtures::lastError()));
+    }
+
+    void init()
+    {
+        static int count = 0;
+        const QString base = m_root.filePath(QStringLiteral("case%1").arg(++count));
+        m_home = base + QStringLiteral("/home");
+        m_work = base + QStringLiteral("/work");
+        m_out = base + QStringLiteral("/out");
+        QVERIFY(QDir().mkpath(m_home));
+        QVERIFY(QDir().mkpath(m_work));
+        QVERIFY(QDir().mkpath(m_out));
+        copyTone(m_work, QStringLiteral("a.wav"));
+    }
+
+    void version()
+    {
+        const Result result = run({QStringLiteral("--version")});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, QStringLiteral("ondrilet-cli " ONDRILET_VERSION "\n"));
+        QCOMPARE(result.err, QString());
+    }
+
+    void help()
+    {
+        const Result result = run({QStringLiteral("a.wav"), QStringLiteral("--help")});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, HelpText::help());
+        QCOMPARE(result.err, QString());
+        QCOMPARE(filesBelow(m_out), QStringList());
+    }
+
+    void usageErrors_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("nothing") << QStringList() << QStringLiteral("no input files");
+        QTest::newRow("bad value")
+            << QStringList{QStringLiteral("--format"), QStringLiteral("mp3"),
+                           QStringLiteral("a.wav")}
+            << QStringLiteral("--format: 'mp3' is not one of mp4, mov, aiff, wav, "
+                              "m4a, caf");
+        QTest::newRow("unknown option")
+            << QStringList{QStringLiteral("a.wav"), QStringLiteral("--fast")}
+            << QStringLiteral("unknown option '--fast'");
+        QTest::newRow("unknown preset")
+            << QStringList{QStringLiteral("--preset"), QStringLiteral("youtube 1080p"),
+                           QStringLiteral("a.wav")}
+            << QStringLiteral("no preset is named 'youtube 1080p' (--list-presets shows them)");
+        QTest::newRow("output directory missing")
+            << QStringList{QStringLiteral("--output-dir"), QStringLiteral("missing"),
+                           QStringLiteral("a.wav")}
+            << QStringLiteral("--output-dir: '%1/missing' is not a directory");
+        QTest::newRow("output directory is a file")
+            << QStringList{QStringLiteral("--output-dir"), QStringLiteral("a.wav"),
+                           QStringLiteral("a.wav")}
+            << QStringLiteral("--output-dir: '%1/a.wav' is not a directory");
+    }
+
+    void usageErrors()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        if (message.contains(QStringLiteral("%1")))
+            message = message.arg(m_work);
+        const Result result = run(arguments);
+        QCOMPARE(result.exitCode, 2);
+        QCOMPARE(result.err, usageFailure(message));
+        // Refused before the window opened: not one console line.
+        QCOMPARE(result.out, QString());
+        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+    }
+
+    void listPresets()
+    {
+        const Result result = run({QStringLiteral("--list-presets")});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.out, presetListing);
+        QCOMPARE(result.err, QString());
+    }
+
+    void unsupportedFileRefusesTheWholeRun()
+    {
+        QFile notes(m_work + QStringLiteral("/notes.txt"));
+        QVERIFY(notes.open(QIODevice::WriteOnly));
+        notes.write("not media\n");
+        notes.close();
+
+        Result result = run({QStringLiteral("a.wav"), QStringLiteral("notes.txt"),
+                             QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err,
+                 QStringLiteral("Unsupported File Type\n"
+                                "The file 'notes.txt' is not a supported media file.\n"
+                                "ondrilet-cli: nothing was converted; give audio and video files "
+                                "only\n"));
+        QCOMPARE(result.out, QString());
+        QCOMPARE(filesBelow(m_out), QStringList());
+
+        QVERIFY(
+            QFile::copy(m_work + QStringLiteral("/notes.txt"), m_work + QStringLiteral("/README")));
+        result =
+            run({QStringLiteral("notes.txt"), QStringLiteral("a.wav"), QStringLiteral("README")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err,
+                 QStringLiteral("Unsupported File Types\n"
+                                "The following files are not supported media files and were "
+                                "skipped:\n\nnotes.txt, README\n"
+                                "ondrilet-cli: nothing was converted; give audio and video files "
+                                "only\n"));
+    }
+
+    // Without --preset the window's first preset ("H.264 Broadcast 25fps": PCM 24-bit at 48 kHz,
+    // -23 LUFS) stands, and the window's options: settings in the name, subfolders, overwrite.
+    void firstPresetAndWindowOptions()
+    {
+        const Result result = run({QStringLiteral("a.wav"), QStringLiteral("--format"),
+                                   QStringLiteral("wav"), QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        const QString output = QStringLiteral("Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
+        QCOMPARE(filesBelow(m_out), QStringList{output});
+        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
+        QCOMPARE(probe.sampleRate, 48000);
+        QCOMPARE(probe.channels, 2);
+        QVERIFY(std::abs(probe.durationSeconds - 2.0) < 0.01);
+
+        const QStringList lines = result.out.split(QLatin1Char('\n'));
+        QCOMPARE(lines.value(0), QStringLiteral("🎯 Applying video preset: H.264 Broadcast 25fps"));
+        QVERIFY(lines.contains(QStringLiteral("🚀 Starting conversion:")));
+        QVERIFY(lines.contains(QStringLiteral("   Selected files: [\"a.wav\"]")));
+        QVERIFY(lines.contains(QStringLiteral("   Output format: audio(wav)")));
+        QVERIFY(result.out.endsWith(QLatin1Char('\n')));
+
+        // The loudness target was met: the output measures -23 LUFS.
+        const Result measured = run({QStringLiteral("--measure"), m_out + '/' + output});
+        QCOMPARE(measured.exitCode, 0);
+        const QJsonObject json = QJsonDocument::fromJson(measured.out.toUtf8()).object();
+        QVERIFY2(std::abs(json.value(QStringLiteral("integratedLUFS")).toDouble() + 23.0) < 0.2,
+                 qPrintable(measured.out));
+    }
+
+    void audioPreset()
+    {
+        const Result result = run({QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
+                                   QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
+                                   QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        const QString output = QStringLiteral("a (AAC_256k_44.1kHz).m4a");
+        QCOMPARE(filesBelow(m_out), QStringList{output});
+        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(probe.codecName, QStringLiteral("aac"));
+        QCOMPARE(probe.sampleRate, 44100);
+        // An audio preset prints nothing of its own; only the window's first preset is told.
+        QCOMPARE(result.out.count(QStringLiteral("Applying video preset")), 1);
+    }
+
+    // The preset comes first wherever it stands; the options follow in their order, and only a
+    // format change runs the codec check.
+    void presetFirstThenOptionsInOrder()
+    {
+        const Result result =
+            run({QStringLiteral("--format"), QStringLiteral("wav"), QStringLiteral("--audio-codec"),
+                 QStringLiteral("aac"), QStringLiteral("a.wav"), QStringLiteral("--preset"),
+                 QStringLiteral("ALAC 24/96"), QStringLiteral("--no-subfolders"),
+                 QStringLiteral("--output-dir"), m_out, QStringLiteral("--no-level")});
+        // ALAC 24/96, then WAV (the check makes it PCM), then AAC by hand, which nothing
+        // corrects: the WAV writer refuses AAC.
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err,
+                 QStringLiteral("Conversion failed: Cannot add writer input - incompatible output "
+                                "format settings\n\nTry using different conversion settings or "
+                                "check the input file.\n"));
+        QVERIFY(result.out.contains(QStringLiteral("   Output format: audio(wav)")));
+        QCOMPARE(filesBelow(m_out), QStringList());
+    }
+
+    void codecCheckRunsAfterFormat()
+    {
+        const Result result = run({QStringLiteral("--preset"), QStringLiteral("ALAC 24/96"),
+                                   QStringLiteral("--audio-codec"), QStringLiteral("aac"),
+                                   QStringLiteral("--format"), QStringLiteral("wav"),
+                                   QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
+                                   QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        // ALAC 24/96, then AAC by hand, then WAV: the check makes it PCM; the preset has no
+        // depth, so 16 bit stands; its 96 kHz stays.
+        const QString output = QStringLiteral("a (PCM_96kHz_16bit).wav");
+        QCOMPARE(filesBelow(m_out), QStringList{output});
+        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
+        QCOMPARE(probe.sampleRate, 96000);
+    }
+
+    void levelTargetsInTheName_data()
+    {
+        QTest::addColumn<QStringList>("level");
+        QTest::addColumn<QString>("output");
+        QTest::newRow("peak") << QStringList{QStringLiteral("--peak-target"), QStringLiteral("-3")}
+                              << QStringLiteral("a (PCM_48kHz_24bit_dBFS-3.0).wav");
+        QTest::newRow("loudness") << QStringList{QStringLiteral("--loudness-target"),
+                                                 QStringLiteral("-14")}
+                                  << QStringLiteral("a (PCM_48kHz_24bit_LUFS-14).wav");
+        QTest::newRow("named loudness")
+            << QStringList{QStringLiteral("--lufs-preset"), QStringLiteral("talkover-bed")}
+            << QStringLiteral("a (PCM_48kHz_24bit_LUFS-33).wav");
+        QTest::newRow("peak then none")
+            << QStringList{QStringLiteral("--peak-target"), QStringLiteral("-3"),
+                           QStringLiteral("--no-level")}
+            << QStringLiteral("a (PCM_48kHz_24bit).wav");
+    }
+
+    void levelTargetsInTheName()
+    {
+        QFETCH(QStringList, level);
+        QFETCH(QString, output);
+        const Result result = run(
+            QStringList{QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("wav"),
+                        QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_out} +
+            level);
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(filesBelow(m_out), QStringList{output});
+    }
+
+    void peakTargetIsMet()
+    {
+        const Result result = run(
+            {QStringLiteral("a.wav"), QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
+             QStringLiteral("--peak-target"), QStringLiteral("-6.5"),
+             QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.exitCode, 0);
+        const QString output = m_out + QStringLiteral("/a (PCM_48kHz_24bit_dBFS-6.5).wav");
+        QVERIFY(QFileInfo::exists(output));
+        const Result measured = run({QStringLiteral("--measure"), output});
+        QCOMPARE(measured.exitCode, 0);
+        const QJsonObject json = QJsonDocument::fromJson(measured.out.toUtf8()).object();
+        QVERIFY2(std::abs(json.value(QStringLiteral("peakDB")).toDouble() + 6.5) < 0.05,
+                 qPrintable(measured.out));
+    }
+
+    void namesWithoutSettingsAndWithTheDate()
+    {
+        const Result result =
+            run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("m4a"),
+                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
+                 QStringLiteral("--date"), QStringLiteral("2021-03-04T12:00:00"),
+                 QStringLiteral("--date-in-name"), QStringLiteral("--title"),
+                 QStringLiteral("Take Two"), QStringLiteral("--year"), QStringLiteral("1999"),
+                 QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(filesBelow(m_out), QStringList{QStringLiteral("a_2021-03-04.m4a")});
+        QVERIFY(
+            result.out.contains(QStringLiteral("🔄 Auto-applying metadata changes to 1 files:")));
+        QVERIFY(result.out.contains(QStringLiteral("🔄 Auto-applying metadata for conversion:")));
+
+        // The edits stand in the preferences as the metadata editor stores them.
+        platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        const std::optional<QCborMap> stored =
+            PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/a.wav"));
+        QVERIFY(stored);
+        QCOMPARE(stored->value(PendingMetadataStore::titleKey).toString(),
+                 QStringLiteral("Take Two"));
+        QCOMPARE(stored->value(PendingMetadataStore::yearKey).toInteger(), 1999);
+        QCOMPARE(stored->value(PendingMetadataStore::writeToFilenameKey).toBool(), true);
+        QCOMPARE(stored->value(PendingMetadataStore::creationDateKey).toDateTime(),
+                 QDateTime(QDate(2021, 3, 4), QTime(12, 0)));
+    }
+
+    void besideTheSourceAndTwoFiles()
+    {
+        copyTone(m_work, QStringLiteral("b.wav"));
+        const Result result =
+            run({QStringLiteral("a.wav"), QStringLiteral("b.wav"), QStringLiteral("a.wav"),
+                 QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
+                 QStringLiteral("--beside-source"), QStringLiteral("--audio-bitrate"),
+                 QStringLiteral("128")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        // The files arrive as from the file manager, which drops only files listed already: a
+        // file named twice on one command line is converted twice, into the same output.
+        QVERIFY(result.out.contains(
+            QStringLiteral("   Selected files: [\"a.wav\", \"b.wav\", \"a.wav\"]")));
+        QCOMPARE(filesBelow(m_work),
+                 (QStringList{QStringLiteral("Audio/m4a/a (AAC_128k_44.1kHz).m4a"),
+                              QStringLiteral("Audio/m4a/b (AAC_128k_44.1kHz).m4a"),
+                              QStringLiteral("a.wav"), QStringLiteral("b.wav")}));
+    }
+
+    void overwriteQuestion()
+    {
+        const QString source = m_work + QStringLiteral("/a.wav");
+        const QByteArray before = Fixtures::sha256(source);
+        const QStringList arguments{QStringLiteral("--preset"),
+                                    QStringLiteral("WAV 24/48 (PCM)"),
+                                    QStringLiteral("--no-settings-in-name"),
+                                    QStringLiteral("--beside-source"),
+                                    QStringLiteral("--no-subfolders"),
+                                    QStringLiteral("a.wav")};
+
+        Result result = run(arguments);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, overwriteRefusal);
+        QVERIFY(result.out.contains(QStringLiteral("🚀 Starting conversion:")));
+        QCOMPARE(Fixtures::sha256(source), before);
+        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+
+        result = run(arguments + QStringList{QStringLiteral("--yes")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.wav")));
+        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
+        QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
+        QCOMPARE(probe.sampleRate, 48000);
+    }
+
+    // With overwriting off there is no question, and an output that is its own input is still
+    // swapped in place of it.
+    void noQuestionWithoutOverwrite()
+    {
+        const Result result =
+            run({QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
+                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--beside-source"),
+                 QStringLiteral("--no-subfolders"), QStringLiteral("--no-overwrite"),
+                 QStringLiteral("a.wav")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::probeAudio(m_work + QStringLiteral("/a.wav")).codecName,
+                 QStringLiteral("pcm_s24le"));
+    }
+
+    void failureEndsWithTheAlertText()
+    {
+        const QStringList arguments{QStringLiteral("a.wav"),
+                                    QStringLiteral("--format"),
+                                    QStringLiteral("wav"),
+                                    QStringLiteral("--output-dir"),
+                                    m_out,
+                                    QStringLiteral("--no-overwrite")};
+        QCOMPARE(run(arguments).exitCode, 0);
+        const QString output = m_out + QStringLiteral("/Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
+        const QByteArray first = Fixtures::sha256(output);
+        QVERIFY(!first.isEmpty());
+
+        Result result = run(arguments);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, QStringLiteral("An unexpected error occurred: Output file already "
+                                            "exists (overwrite disabled)\n"));
+        QCOMPARE(Fixtures::sha256(output), first);
+
+        // PCM chosen by hand for an M4A output: the writer refuses it.
+        result = run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("m4a"),
+                      QStringLiteral("--audio-codec"), QStringLiteral("pcm"),
+                      QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err,
+                 QStringLiteral("Conversion failed: Cannot add writer input - incompatible output "
+                                "format settings\n\nTry using different conversion settings or "
+                                "check the input file.\n"));
+    }
+
+    void measure()
+    {
+        const QString path = m_work + QStringLiteral("/a.wav");
+        const Result result = run({QStringLiteral("--measure"), QStringLiteral("a.wav")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+
+        const ConversionEngine::LoudnessResult loudness =
+            ConversionEngine::IntegratedLoudnessAnalyzer::analyzeBlocking(path);
+        const ConversionEngine::PeakLevel peak =
+            QCoro::waitFor(ConversionEngine::PeakLevelPass::measurePeakLevel(path));
+        QCOMPARE(result.out, MeasureReport::json(path, loudness, peak));
+
+        QJsonParseError error;
+        const QJsonObject json = QJsonDocument::fromJson(result.out.toUtf8(), &error).object();
+        QCOMPARE(error.error, QJsonParseError::NoError);
+        QCOMPARE(json.keys(), (QStringList{"effectiveGateLUFS", "file", "integratedLUFS", "peakDB",
+                                           "peakLinear", "truePeakDBTP", "ungatedLUFS"}));
+        // The tone is at half scale.
+        QVERIFY(std::abs(json.value(QStringLiteral("peakLinear")).toDouble() - 0.5) < 0.01);
+        QVERIFY(std::abs(json.value(QStringLiteral("peakDB")).toDouble() + 6.02) < 0.1);
+    }
+
+    void measureFailures()
+    {
+        QFile notMedia(m_work + QStringLiteral("/notes.wav"));
+        QVERIFY(notMedia.open(QIODevice::WriteOnly));
+        notMedia.write("hello\n");
+        notMedia.close();
+        Result result = run({QStringLiteral("--measure"), QStringLiteral("notes.wav")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.out, QString());
+        QCOMPARE(result.err,
+                 QStringLiteral("The file \u201cnotes.wav\u201d is not in a recognized format.\n"));
+
+        const QString video = Fixtures::makeVideo(m_work, QStringLiteral("silent.mp4"), 1.0, false);
+        QVERIFY2(!video.isEmpty(), qPrintable(Fixtures::lastError()));
+        result = run({QStringLiteral("--measure"), QStringLiteral("silent.mp4")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.err, QStringLiteral("No audio track found\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliEndToEnd)
+#include "tst_cliendtoend.moc"
