@@ -8,15 +8,16 @@
 #include "ConversionEngine/AudioSettings.h"
 #include "ConversionEngine/ConversionError.h"
 #include "ConversionEngine/EnhancedProgressTracker.h"
+#include "ConversionEngine/MemoryManager.h"
 #include "ConversionEngine/ProgressSubject.h"
 
 #include <QCoro/QCoroTask>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 namespace ConversionEngine {
 
-class MemoryManager;
 class StreamingBufferProcessor;
 
 class AudioConverter : public QObject
@@ -24,14 +25,15 @@ class AudioConverter : public QObject
     Q_OBJECT
 
 public:
-    // Without a manager the converter makes its own (pool 50, 20 active buffers).
+    // Without a manager the converter makes its own (pool 50, 20 active buffers). A shared
+    // manager may go first: the converter holds it weakly.
     explicit AudioConverter(MemoryManager* memoryManager = nullptr, QObject* parent = nullptr);
     ~AudioConverter() override;
 
-    // Converts `source` into `output` (absolute paths; the output's folder must exist). Throws
-    // ConversionError, or the media layer's MediaError unchanged where a load, the reader or
-    // the writer could not be made. A failure inside the pump is not thrown as it happens: it
-    // shows in the tracker and decides the verdict at the end.
+    // Converts `source` into `output` (absolute paths; the output's folder must exist); the
+    // converter must outlive the run. Throws ConversionError, or the media layer's MediaError
+    // unchanged where a load, the reader or the writer could not be made. A failure inside the
+    // pump is not thrown as it happens: it shows in the tracker and decides the verdict at the end.
     QCoro::Task<> extractAudio(QString source, QString output, AudioFormat format,
                                AudioSettings settings, ProgressSubject progress);
 
@@ -57,7 +59,7 @@ private:
     void deliverVerdict(const platform::AssetReader& reader, const platform::AssetWriter& writer,
                         const QString& output);
 
-    MemoryManager* m_memoryManager = nullptr;
+    QPointer<MemoryManager> m_memoryManager;
     StreamingBufferProcessor* m_streamingProcessor = nullptr;
     EnhancedProgressTracker* m_progressTracker = nullptr;
     AudioSamplePump::Clock m_pacingClock;

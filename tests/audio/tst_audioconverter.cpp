@@ -414,6 +414,18 @@ private slots:
         QCOMPARE(manager.memoryUsage(), 0);
     }
 
+    void memoryPressureAfterASharedManagerIsGoneDoesNothing()
+    {
+        auto* manager = new MemoryManager(50, 20);
+        AudioConverter converter(manager);
+        delete manager;
+        QCOMPARE(converter.memoryManager(), nullptr);
+        platform::NotificationCenter::defaultCenter().post(
+            QStringLiteral("memoryPressureDetected"));
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+    }
+
     void lateMemoryPressureAfterTheConverterIsGoneDoesNothing()
     {
         MemoryManager manager(50, 20);
