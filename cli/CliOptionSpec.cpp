@@ -89,7 +89,10 @@ QList<CliOptionSpec> makeTable()
                Group::files),
         option("--no-subfolders", "", "", "Put outputs straight into the output directory.",
                Group::files),
-        option("--output-dir", "DIR", "", "Write outputs to DIR.", Group::files),
+        option("--output-dir", "DIR", "",
+               "Write outputs to DIR, an existing directory. Like a choice in the window, it "
+               "becomes the window's output directory from then on.",
+               Group::files),
         option("--beside-source", "", "", "Write each output into its input's directory.",
                Group::files),
 

@@ -92,10 +92,11 @@ QString HelpText::help()
 
     text += paragraph(QStringLiteral(
         "Without --output-dir or --beside-source, outputs go to the window's output directory: "
-        "the one last chosen in the window, else Downloads in the home directory. Of "
+        "the one last chosen (in the window or with --output-dir), else Downloads in the home "
+        "directory. Of "
         "--output-dir and --beside-source the last one given counts. The metadata options are "
         "stored for every input file as the metadata editor stores them: video outputs carry the "
-        "tags, and the date options apply to the names of all outputs."));
+        "tags and the creation date, and --date-in-name names outputs of every format."));
     text += paragraph(QStringLiteral(
         "Console lines go to standard output. While standard error is a terminal, a progress bar "
         "with the percentage done and the time remaining is drawn there. --measure prints one "
