@@ -90,14 +90,15 @@ QStringList InstanceChannel::fileLocations(const QStringList& arguments,
 InstanceChannel::InstanceChannel(QString serverName, QObject* parent)
     : QObject(parent)
     , m_serverName(std::move(serverName))
+    , m_server(new QLocalServer(this))
 {
-    m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    connect(&m_server, &QLocalServer::newConnection, this, &InstanceChannel::acceptConnections);
+    m_server->setSocketOptions(QLocalServer::UserAccessOption);
+    connect(m_server, &QLocalServer::newConnection, this, &InstanceChannel::acceptConnections);
 }
 
 InstanceChannel::~InstanceChannel()
 {
-    m_server.close();
+    m_server->close();
 }
 
 bool InstanceChannel::handOff(const QStringList& files, int timeoutMilliseconds) const
@@ -132,27 +133,24 @@ bool InstanceChannel::handOff(const QStringList& files, int timeoutMilliseconds)
 
 bool InstanceChannel::listen()
 {
-    if (m_server.isListening())
+    if (m_server->isListening())
         return true;
-    if (m_server.listen(m_serverName))
-        return true;
-    if (m_server.serverError() != QAbstractSocket::AddressInUseError)
-        return false;
-
-    // Someone holds the name: either a live instance, or a socket file of one that crashed.
+    // Listening with access options replaces whatever has the name, so ask first whether an
+    // instance answers there.
     QLocalSocket probe;
     probe.connectToServer(m_serverName);
     if (probe.waitForConnected(1000)) {
         probe.disconnectFromServer();
         return false;
     }
+    // Nobody answers: a socket file left by an instance that ended without closing it.
     QLocalServer::removeServer(m_serverName);
-    return m_server.listen(m_serverName);
+    return m_server->listen(m_serverName);
 }
 
 void InstanceChannel::acceptConnections()
 {
-    while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+    while (QLocalSocket* socket = m_server->nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); });
         if (socket->bytesAvailable() > 0)

@@ -43,7 +43,7 @@ public:
     // Starts listening. False when another instance answers on the socket; a socket left behind
     // by an instance that ended without closing it is taken over.
     bool listen();
-    bool isListening() const { return m_server.isListening(); }
+    bool isListening() const { return m_server->isListening(); }
     QString serverName() const { return m_serverName; }
 
 signals:
@@ -55,7 +55,7 @@ private:
     void readFrom(QLocalSocket* socket);
 
     QString m_serverName;
-    QLocalServer m_server;
+    QLocalServer* m_server = nullptr;
 };
 
 } // namespace Ondrilet

@@ -50,14 +50,12 @@ QFrame* separator(QWidget* parent)
 // The prominent look of the one main action, in the palette's accent colour.
 void makeProminent(QPushButton* button)
 {
-    QPalette colours = button->palette();
-    colours.setColor(QPalette::Button, colours.color(QPalette::Highlight));
-    colours.setColor(QPalette::ButtonText, colours.color(QPalette::HighlightedText));
-    colours.setColor(QPalette::Disabled, QPalette::Button, colours.color(QPalette::Midlight));
-    button->setPalette(colours);
-    QFont font = button->font();
-    font.setBold(true);
-    button->setFont(font);
+    button->setStyleSheet(QStringLiteral(
+        "QPushButton { background-color: palette(highlight); color: palette(highlighted-text);"
+        " border: none; border-radius: 6px; padding: 6px 20px; font-weight: bold; }"
+        "QPushButton:hover { background-color: palette(link); }"
+        "QPushButton:focus { border: 2px solid palette(light); }"
+        "QPushButton:disabled { background-color: palette(midlight); color: palette(mid); }"));
 }
 
 } // namespace

@@ -52,12 +52,12 @@ MetadataEditorView::MetadataEditorView(MetadataEditorModel* model, QWidget* pare
     m_disclosure->setAccessibleName(QStringLiteral("Metadata Editor"));
     m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_disclosure->setAutoRaise(true);
-    m_disclosure->setCheckable(true);
     QFont bold = m_disclosure->font();
     bold.setBold(true);
     m_disclosure->setFont(bold);
-    connect(m_disclosure, &QToolButton::toggled, model,
-            &MetadataEditorModel::setMetadataEditorExpanded);
+    connect(m_disclosure, &QToolButton::clicked, model, [model] {
+        model->setMetadataEditorExpanded(!model->isMetadataEditorExpanded());
+    });
 
     m_content = new QWidget;
     auto* contentLayout = new QVBoxLayout(m_content);
@@ -84,9 +84,10 @@ MetadataEditorView::MetadataEditorView(MetadataEditorModel* model, QWidget* pare
     connect(m_writeToFilename, &QCheckBox::toggled, model,
             &MetadataEditorModel::setMetadataWriteDateToFilename);
     auto* customRow = new QHBoxLayout;
-    customRow->addWidget(m_useCustomDate);
+    customRow->setContentsMargins(24, 0, 0, 0);
     customRow->addWidget(m_customDate, 1);
     contentLayout->addWidget(m_keepOriginalDate);
+    contentLayout->addWidget(m_useCustomDate);
     contentLayout->addLayout(customRow);
     contentLayout->addWidget(m_writeToFilename);
     m_summary = secondaryLabel(QString(), m_content);
@@ -161,10 +162,8 @@ QLineEdit* MetadataEditorView::addField(QFormLayout* form, const QString& label,
 void MetadataEditorView::refresh()
 {
     const bool expanded = m_model->isMetadataEditorExpanded();
-    {
-        const QSignalBlocker blocker(m_disclosure);
-        m_disclosure->setChecked(expanded);
-    }
+    m_disclosure->setAccessibleDescription(expanded ? QStringLiteral("Expanded")
+                                                    : QStringLiteral("Collapsed"));
     m_disclosure->setIcon(SymbolIcon::icon(expanded ? QStringLiteral("chevron.down")
                                                     : QStringLiteral("chevron.right"),
                                            AppearancePalette::secondaryText(palette())));
