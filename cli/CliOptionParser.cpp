@@ -1,6 +1,6 @@
 #include "cli/CliOptionParser.h"
 
-#include "cli/CliOptionSpec.h"
+#include "cli/CliOption.h"
 #include "cli/UsageError.h"
 
 #include <QDir>
@@ -20,11 +20,11 @@ using ConversionEngine::VideoFrameRate;
 // The value of a fixed-choice option: its position in the option's list of choices.
 qsizetype choiceIndex(const QString& name, const QString& value)
 {
-    const CliOptionSpec* spec = CliOptionSpec::find(name);
-    const qsizetype index = spec->choices.indexOf(value);
+    const CliOption* entry = CliOption::find(name);
+    const qsizetype index = entry->choices.indexOf(value);
     if (index < 0)
         throw UsageError(QStringLiteral("%1: '%2' is not one of %3")
-                             .arg(name, value, spec->choices.join(QStringLiteral(", "))));
+                             .arg(name, value, entry->choices.join(QStringLiteral(", "))));
     return index;
 }
 
@@ -101,18 +101,18 @@ CliRequest CliOptionParser::parse(const QStringList& arguments, const QString& w
         }
         const qsizetype equals = word.indexOf(QLatin1Char('='));
         const QString name = equals < 0 ? word : word.left(equals);
-        const CliOptionSpec* spec = CliOptionSpec::find(name);
-        if (!spec)
+        const CliOption* entry = CliOption::find(name);
+        if (!entry)
             throw UsageError(QStringLiteral("unknown option '%1'").arg(name));
         QString value;
-        if (spec->takesValue()) {
+        if (entry->takesValue()) {
             if (equals >= 0)
                 value = word.mid(equals + 1);
             else if (i + 1 < arguments.size())
                 value = arguments[++i];
             else
                 throw UsageError(
-                    QStringLiteral("%1 needs a value (%2)").arg(name, spec->valueName));
+                    QStringLiteral("%1 needs a value (%2)").arg(name, entry->valueName));
         } else if (equals >= 0) {
             throw UsageError(QStringLiteral("%1 takes no value").arg(name));
         }

@@ -1,6 +1,6 @@
 #include "cli/HelpText.h"
 
-#include "cli/CliOptionSpec.h"
+#include "cli/CliOption.h"
 
 #include <QStringList>
 
@@ -38,14 +38,14 @@ QString paragraph(const QString& text)
     return wrapped(text, 0, 0) + QStringLiteral("\n\n");
 }
 
-QString optionEntry(const CliOptionSpec& spec)
+QString optionEntry(const CliOption& entry)
 {
-    QString head = QStringLiteral("  ") + spec.name;
-    if (spec.takesValue())
-        head += QLatin1Char(' ') + spec.valueName;
-    QString help = spec.help;
-    if (!spec.choices.isEmpty())
-        help += QStringLiteral(" One of: ") + spec.choices.join(QStringLiteral(", ")) +
+    QString head = QStringLiteral("  ") + entry.name;
+    if (entry.takesValue())
+        head += QLatin1Char(' ') + entry.valueName;
+    QString help = entry.help;
+    if (!entry.choices.isEmpty())
+        help += QStringLiteral(" One of: ") + entry.choices.join(QStringLiteral(", ")) +
                 QLatin1Char('.');
     if (head.size() + 2 > helpColumn)
         head += QLatin1Char('\n') + QString(helpColumn, QLatin1Char(' '));
@@ -79,14 +79,14 @@ QString HelpText::help()
         "type is refused before anything is converted. The first failure ends the run: earlier "
         "outputs stay, later files are not converted."));
 
-    CliOptionSpec::Group group = CliOptionSpec::Group::action;
-    text += CliOptionSpec::groupTitle(group) + QStringLiteral(":\n");
-    for (const CliOptionSpec& spec : CliOptionSpec::all()) {
-        if (spec.group != group) {
-            group = spec.group;
-            text += QLatin1Char('\n') + CliOptionSpec::groupTitle(group) + QStringLiteral(":\n");
+    CliOption::Group group = CliOption::Group::action;
+    text += CliOption::groupTitle(group) + QStringLiteral(":\n");
+    for (const CliOption& entry : CliOption::all()) {
+        if (entry.group != group) {
+            group = entry.group;
+            text += QLatin1Char('\n') + CliOption::groupTitle(group) + QStringLiteral(":\n");
         }
-        text += optionEntry(spec);
+        text += optionEntry(entry);
     }
     text += QLatin1Char('\n');
 

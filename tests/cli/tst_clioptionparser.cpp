@@ -1,7 +1,7 @@
 // The command line parser: every option and value as the panel offers it, the order of the
 // settings, paths, the actions and every refusal with its exact message.
+#include "cli/CliOption.h"
 #include "cli/CliOptionParser.h"
-#include "cli/CliOptionSpec.h"
 #include "cli/UsageError.h"
 
 #include <QTest>
@@ -387,23 +387,23 @@ private slots:
     // Each option of the table is accepted with a value of its own kind.
     void everyOptionOfTheTableIsAccepted()
     {
-        for (const CliOptionSpec& spec : CliOptionSpec::all()) {
-            if (spec.name == QStringLiteral("--measure") ||
-                spec.name == QStringLiteral("--list-presets") ||
-                spec.name == QStringLiteral("--help") || spec.name == QStringLiteral("--version"))
+        for (const CliOption& entry : CliOption::all()) {
+            if (entry.name == QStringLiteral("--measure") ||
+                entry.name == QStringLiteral("--list-presets") ||
+                entry.name == QStringLiteral("--help") || entry.name == QStringLiteral("--version"))
                 continue;
-            QStringList arguments{spec.name};
-            if (spec.takesValue()) {
+            QStringList arguments{entry.name};
+            if (entry.takesValue()) {
                 QString value = QStringLiteral("x");
-                if (!spec.choices.isEmpty())
-                    value = spec.choices.last();
-                else if (spec.name == QStringLiteral("--crf"))
+                if (!entry.choices.isEmpty())
+                    value = entry.choices.last();
+                else if (entry.name == QStringLiteral("--crf"))
                     value = QStringLiteral("20");
-                else if (spec.name == QStringLiteral("--peak-target"))
+                else if (entry.name == QStringLiteral("--peak-target"))
                     value = QStringLiteral("-1.0");
-                else if (spec.name == QStringLiteral("--loudness-target"))
+                else if (entry.name == QStringLiteral("--loudness-target"))
                     value = QStringLiteral("-14");
-                else if (spec.name == QStringLiteral("--date"))
+                else if (entry.name == QStringLiteral("--date"))
                     value = QStringLiteral("2020-01-01");
                 arguments.append(value);
             }

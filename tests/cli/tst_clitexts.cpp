@@ -1,7 +1,7 @@
 // The texts of the terminal front end: the progress bar line, the JSON of a measurement, the
 // preset listing, and the usage and help texts.
 #include "app/PresetStore.h"
-#include "cli/CliOptionSpec.h"
+#include "cli/CliOption.h"
 #include "cli/HelpText.h"
 #include "cli/MeasureReport.h"
 #include "cli/PresetListing.h"
@@ -142,22 +142,22 @@ private slots:
         const QStringList lines = help.split(QLatin1Char('\n'));
         for (const QString& line : lines)
             QVERIFY2(line.size() <= 100, qPrintable(line));
-        for (const CliOptionSpec& spec : CliOptionSpec::all()) {
-            QString head = QStringLiteral("  ") + spec.name;
-            if (spec.takesValue())
-                head += QLatin1Char(' ') + spec.valueName;
+        for (const CliOption& entry : CliOption::all()) {
+            QString head = QStringLiteral("  ") + entry.name;
+            if (entry.takesValue())
+                head += QLatin1Char(' ') + entry.valueName;
             QVERIFY2(lines.contains(head) ||
                          std::any_of(lines.begin(), lines.end(),
                                      [&](const QString& l) { return l.startsWith(head + "  "); }),
-                     qPrintable(spec.name));
-            if (!spec.choices.isEmpty()) {
+                     qPrintable(entry.name));
+            if (!entry.choices.isEmpty()) {
                 // The list of values may be wrapped; compare the help with its line breaks
                 // and indents folded into single blanks.
                 QString folded = help;
                 folded.replace(QRegularExpression(QStringLiteral("\n +")), QStringLiteral(" "));
                 QVERIFY2(folded.contains(QStringLiteral("One of: ") +
-                                         spec.choices.join(QStringLiteral(", ")) + "."),
-                         qPrintable(spec.name));
+                                         entry.choices.join(QStringLiteral(", ")) + "."),
+                         qPrintable(entry.name));
             }
         }
         QVERIFY(help.contains(QStringLiteral("  --format FORMAT           Output format.")));

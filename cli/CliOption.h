@@ -9,7 +9,7 @@
 
 namespace Ondrilet {
 
-struct CliOptionSpec
+struct CliOption
 {
     enum class Group
     {
@@ -29,9 +29,9 @@ struct CliOptionSpec
 
     bool takesValue() const { return !valueName.isEmpty(); }
 
-    static const QList<CliOptionSpec>& all();
+    static const QList<CliOption>& all();
     // The option of this exact name, or null.
-    static const CliOptionSpec* find(const QString& name);
+    static const CliOption* find(const QString& name);
     // The heading of a group in the help text.
     static QString groupTitle(Group group);
 };

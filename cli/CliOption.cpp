@@ -1,22 +1,22 @@
-#include "cli/CliOptionSpec.h"
+#include "cli/CliOption.h"
 
 namespace Ondrilet {
 
 namespace {
 
-using Group = CliOptionSpec::Group;
+using Group = CliOption::Group;
 
 QStringList words(const char* text)
 {
     return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-QList<CliOptionSpec> makeTable()
+QList<CliOption> makeTable()
 {
     const auto option = [](const char* name, const char* valueName, const char* choices,
                            const char* help, Group group) {
-        return CliOptionSpec{QString::fromUtf8(name), QString::fromUtf8(valueName), words(choices),
-                             QString::fromUtf8(help), group};
+        return CliOption{QString::fromUtf8(name), QString::fromUtf8(valueName), words(choices),
+                         QString::fromUtf8(help), group};
     };
     return {
         option("--preset", "NAME", "",
@@ -120,21 +120,21 @@ QList<CliOptionSpec> makeTable()
 
 } // namespace
 
-const QList<CliOptionSpec>& CliOptionSpec::all()
+const QList<CliOption>& CliOption::all()
 {
-    static const QList<CliOptionSpec> table = makeTable();
+    static const QList<CliOption> table = makeTable();
     return table;
 }
 
-const CliOptionSpec* CliOptionSpec::find(const QString& name)
+const CliOption* CliOption::find(const QString& name)
 {
-    for (const CliOptionSpec& spec : all())
-        if (spec.name == name)
-            return &spec;
+    for (const CliOption& entry : all())
+        if (entry.name == name)
+            return &entry;
     return nullptr;
 }
 
-QString CliOptionSpec::groupTitle(Group group)
+QString CliOption::groupTitle(Group group)
 {
     switch (group) {
     case Group::action:
