@@ -55,9 +55,8 @@ MetadataEditorView::MetadataEditorView(MetadataEditorModel* model, QWidget* pare
     QFont bold = m_disclosure->font();
     bold.setBold(true);
     m_disclosure->setFont(bold);
-    connect(m_disclosure, &QToolButton::clicked, model, [model] {
-        model->setMetadataEditorExpanded(!model->isMetadataEditorExpanded());
-    });
+    connect(m_disclosure, &QToolButton::clicked, model,
+            [model] { model->setMetadataEditorExpanded(!model->isMetadataEditorExpanded()); });
 
     m_content = new QWidget;
     auto* contentLayout = new QVBoxLayout(m_content);

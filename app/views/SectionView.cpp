@@ -59,8 +59,11 @@ SectionView::SectionView(const QString& title, QWidget* parent)
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->setSpacing(6);
+    // Height beyond what the card needs goes below it, never between title and card.
+    m_title->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     outer->addWidget(m_title);
     outer->addWidget(m_card);
+    outer->addStretch(1);
 
     m_cardLayout = new QVBoxLayout(m_card);
     m_cardLayout->setContentsMargins(16, 12, 16, 12);

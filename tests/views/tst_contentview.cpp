@@ -623,6 +623,7 @@ void ContentViewTest::progressAreaFollowsARealConversion()
         if (converting) {
             buttonWhileConverting = w.view()->convertButton()->text();
             helpWhileConverting = w.view()->convertButton()->toolTip();
+            w.window.grab().save(screenshotFolder() + QStringLiteral("/main-light-converting.png"));
         }
     });
 
