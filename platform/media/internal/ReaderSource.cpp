@@ -5,6 +5,9 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <cstdint>
+
 namespace platform::internal {
 
 ReaderSource::ReaderSource(const QString& path, const std::set<int>& streams)
@@ -49,6 +52,35 @@ void ReaderSource::recycle(AVPacket* packet)
     m_free.push_back(packet);
 }
 
+void ReaderSource::verifyIndexedDataPresent() const
+{
+    // Only QuickTime-family files list every sample with its place in the file; elsewhere an
+    // index is sparse or estimated from headers, and a file may end where its data ends.
+    AVFormatContext* format = m_file.context();
+    if (!QByteArray(format->iformat->name).startsWith("mov,"))
+        return;
+    const std::int64_t fileBytes = avio_size(format->pb);
+    if (fileBytes <= 0)
+        return;
+    std::int64_t indexedEnd = 0;
+    for (const int index : m_streams) {
+        AVStream* stream = format->streams[index];
+        const int entries = avformat_index_get_entries_count(stream);
+        for (int entry = 0; entry < entries; ++entry) {
+            const AVIndexEntry* sample = avformat_index_get_entry(stream, entry);
+            if (sample && sample->pos >= 0)
+                indexedEnd = std::max(indexedEnd, sample->pos + sample->size);
+        }
+    }
+    // A cut file reads as a clean end of file to the demuxer: the samples past the cut are
+    // simply not there.
+    if (indexedEnd > fileBytes)
+        throw MediaError::media(
+            MediaError::invalidSourceMedia,
+            QStringLiteral("The file “%1” ends before the media data its index lists.")
+                .arg(QFileInfo(m_file.path()).fileName()));
+}
+
 AVPacket* ReaderSource::nextPacket(int streamIndex)
 {
     auto waiting = m_waiting.find(streamIndex);
@@ -63,6 +95,7 @@ AVPacket* ReaderSource::nextPacket(int streamIndex)
         if (result == AVERROR_EOF) {
             recycle(packet);
             m_endOfFile = true;
+            verifyIndexedDataPresent();
             break;
         }
         if (result < 0) {

@@ -27,12 +27,14 @@ public:
 
     // The next packet of `streamIndex`, or null at the end of the file. The caller hands it
     // back with recycle(). Throws MediaError (invalidSourceMedia) when the file cannot be read
-    // on.
+    // on, or when it ends before samples its index lists for the streams read.
     AVPacket* nextPacket(int streamIndex);
     void recycle(AVPacket* packet);
 
 private:
     AVPacket* freePacket();
+    // Called once, when the demuxer reports the end of the file.
+    void verifyIndexedDataPresent() const;
 
     InputFile m_file;
     std::set<int> m_streams;
