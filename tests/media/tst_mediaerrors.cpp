@@ -159,7 +159,9 @@ private slots:
         QCOMPARE(Fixtures::sha256(path("truncated.mp4")), before);
     }
 
-    void aTruncatedStreamEndsReadingWithoutHanging()
+    // With its index up front the cut file opens; reading finds the data gone at the cut and
+    // fails, while the whole file reads to its end.
+    void aCutFileWithItsIndexFirstFailsReading()
     {
         const QString whole = Fixtures::makeVideo(
             m_directory.path(), "fast.mp4", 3.0, true,
@@ -168,21 +170,41 @@ private slots:
         QFile source(whole);
         QVERIFY(source.open(QIODevice::ReadOnly));
         writeBytes("fast-cut.mp4", source.read(source.size() / 2));
-        const Asset asset(path("fast-cut.mp4"));
-        QCOMPARE(asset.tracks(MediaType::audio).size(), std::size_t(1));
-        AssetReader reader(asset);
-        auto output = std::make_shared<AssetReaderTrackOutput>(asset.tracks(MediaType::audio)[0],
-                                                               decodeSettings());
-        reader.add(output);
-        QVERIFY(reader.startReading());
-        qint64 frames = 0;
-        while (const std::shared_ptr<SampleBuffer> buffer = output->copyNextSampleBuffer())
-            frames += buffer->frameCount();
-        QVERIFY(frames > 0);
-        QVERIFY(frames < 3 * 44100);
-        QVERIFY(reader.status() == AssetReader::Status::completed ||
-                (reader.status() == AssetReader::Status::failed &&
-                 reader.error()->code() == MediaError::invalidSourceMedia));
+        const QByteArray before = Fixtures::sha256(path("fast-cut.mp4"));
+
+        const auto read = [](const QString& file, qint64* frames) {
+            const Asset asset(file);
+            AssetReader reader(asset);
+            auto output = std::make_shared<AssetReaderTrackOutput>(
+                asset.tracks(MediaType::audio).at(0), decodeSettings());
+            reader.add(output);
+            if (!reader.startReading())
+                return std::pair{reader.status(), reader.error()};
+            while (const std::shared_ptr<SampleBuffer> buffer = output->copyNextSampleBuffer())
+                *frames += buffer->frameCount();
+            // Once failed or finished, it stays so.
+            if (output->copyNextSampleBuffer())
+                *frames = -1;
+            return std::pair{reader.status(), reader.error()};
+        };
+
+        qint64 cutFrames = 0;
+        const auto [cutStatus, cutError] = read(path("fast-cut.mp4"), &cutFrames);
+        QCOMPARE(int(cutStatus), 3);
+        QVERIFY(cutError.has_value());
+        QCOMPARE(cutError->code(), -11822);
+        QCOMPARE(cutError->domain(), MediaError::mediaDomain);
+        QCOMPARE(
+            cutError->localizedDescription(),
+            QStringLiteral("The file “fast-cut.mp4” ends before the media data its index lists."));
+        QVERIFY2(cutFrames > 0 && cutFrames < 3 * 44100, qPrintable(QString::number(cutFrames)));
+        QCOMPARE(Fixtures::sha256(path("fast-cut.mp4")), before);
+
+        qint64 wholeFrames = 0;
+        const auto [wholeStatus, wholeError] = read(whole, &wholeFrames);
+        QCOMPARE(wholeStatus, AssetReader::Status::completed);
+        QVERIFY(!wholeError.has_value());
+        QCOMPARE(wholeFrames, qint64(3 * 44100));
     }
 
     void aVideoWithoutSoundHasNoAudioTracks()
