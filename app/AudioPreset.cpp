@@ -1,22 +1,17 @@
 #include "app/AudioPreset.h"
 
+#include "app/PresetFields.h"
+
 #include <QHashFunctions>
-#include <QLatin1String>
 #include <QStringList>
 
 namespace Ondrilet {
 
 namespace {
 
-struct FixedDescription
-{
-    const char* name;
-    const char* text;
-};
-
 // Names that always show the same text, with upper-case formats and "kHz" without a blank,
 // unlike the built texts. Several belong to no built-in preset.
-constexpr FixedDescription fixedDescriptions[] = {
+constexpr PresetFields::FixedDescription fixedDescriptions[] = {
     {"WAV 24/48 (PCM)", "WAV, 24-bit, 48kHz"},
     {"WAV 24/96 (PCM)", "WAV, 24-bit, 96kHz"},
     {"AIFF 16/44.1 (PCM)", "AIFF, 16-bit, 44.1kHz"},
@@ -28,14 +23,6 @@ constexpr FixedDescription fixedDescriptions[] = {
     {"M4A 192k/48", "M4A, AAC, 192k, 48kHz"},
     {"HE-AAC 128k/44.1", "M4A, HE-AAC, 128k"},
 };
-
-std::optional<QString> fixedDescription(const QString& name)
-{
-    for (const FixedDescription& entry : fixedDescriptions)
-        if (name == QLatin1String(entry.name))
-            return QString::fromLatin1(entry.text);
-    return std::nullopt;
-}
 
 QString builtDescription(const AudioPreset& preset)
 {
@@ -51,29 +38,11 @@ QString builtDescription(const AudioPreset& preset)
     return parts.join(QStringLiteral(", "));
 }
 
-// A none level target and a named loudness preset carry a float that is not part of their value,
-// so it must not reach the hash either.
-float levelTargetValue(const ConversionEngine::AudioLevelTarget& target)
-{
-    return target.isNone() ? 0.0f : target.target;
-}
-
-float customLufsValue(const ConversionEngine::AudioLevelPreset& preset)
-{
-    return preset.kind == ConversionEngine::AudioLevelPreset::Kind::custom ? preset.customLufs
-                                                                           : 0.0f;
-}
-
-QString outputFormatLabel(const OutputFormat& format)
-{
-    return format.isVideo() ? rawValue(format.videoFormat) : rawValue(format.audioFormat);
-}
-
 } // namespace
 
 QString AudioPreset::presetDescription() const
 {
-    if (std::optional<QString> text = fixedDescription(name))
+    if (std::optional<QString> text = PresetFields::fixedDescription(name, fixedDescriptions))
         return *text;
     return builtDescription(*this);
 }
@@ -81,16 +50,16 @@ QString AudioPreset::presetDescription() const
 size_t qHash(const AudioPreset& preset, size_t seed)
 {
     const OutputFormat& format = preset.outputFormat;
-    return qHashMulti(seed, preset.id, preset.name, format.isVideo(), outputFormatLabel(format),
-                      rawValue(preset.audioCodec),
+    return qHashMulti(seed, preset.id, preset.name, format.isVideo(),
+                      PresetFields::outputFormatLabel(format), rawValue(preset.audioCodec),
                       preset.audioBitrate ? rawValue(*preset.audioBitrate) : 0,
                       rawValue(preset.audioSampleRate),
                       preset.audioBitDepth ? rawValue(*preset.audioBitDepth) : 0,
                       static_cast<int>(preset.audioLevelProcessing.kind),
-                      levelTargetValue(preset.audioLevelProcessing),
+                      PresetFields::levelTargetValue(preset.audioLevelProcessing),
                       static_cast<int>(preset.selectedLUFSPreset.kind),
-                      customLufsValue(preset.selectedLUFSPreset), preset.keepOriginalDate,
-                      preset.writeDateToFilename);
+                      PresetFields::customLufsValue(preset.selectedLUFSPreset),
+                      preset.keepOriginalDate, preset.writeDateToFilename);
 }
 
 QList<AudioPreset> factoryAudioPresets()

@@ -1,22 +1,17 @@
 #include "app/VideoPreset.h"
 
+#include "app/PresetFields.h"
+
 #include <QHashFunctions>
-#include <QLatin1String>
 #include <QStringList>
 
 namespace Ondrilet {
 
 namespace {
 
-struct FixedDescription
-{
-    const char* name;
-    const char* text;
-};
-
 // Names that always show the same text. Most belong to no built-in preset and are kept for
 // presets that users give these names; "H.264 High 4K" has no video codec in its text.
-constexpr FixedDescription fixedDescriptions[] = {
+constexpr PresetFields::FixedDescription fixedDescriptions[] = {
     {"ProRes 422 4K Master", "MOV, 4K, ProRes 422, PCM"},
     {"H.264 High 4K", "MOV, 4K, PCM"},
     {"H.265 Master", "MOV, 4K, H.265, PCM"},
@@ -27,14 +22,6 @@ constexpr FixedDescription fixedDescriptions[] = {
     {"Mobile HD", "MP4, 720p, AAC"},
     {"Archival 4K", "MOV, 4K, H.265, ALAC"},
 };
-
-std::optional<QString> fixedDescription(const QString& name)
-{
-    for (const FixedDescription& entry : fixedDescriptions)
-        if (name == QLatin1String(entry.name))
-            return QString::fromLatin1(entry.text);
-    return std::nullopt;
-}
 
 QString builtDescription(const VideoPreset& preset)
 {
@@ -47,29 +34,11 @@ QString builtDescription(const VideoPreset& preset)
     return parts.join(QStringLiteral(", "));
 }
 
-// A none level target and a named loudness preset carry a float that is not part of their value,
-// so it must not reach the hash either.
-float levelTargetValue(const ConversionEngine::AudioLevelTarget& target)
-{
-    return target.isNone() ? 0.0f : target.target;
-}
-
-float customLufsValue(const ConversionEngine::AudioLevelPreset& preset)
-{
-    return preset.kind == ConversionEngine::AudioLevelPreset::Kind::custom ? preset.customLufs
-                                                                           : 0.0f;
-}
-
-QString outputFormatLabel(const OutputFormat& format)
-{
-    return format.isVideo() ? rawValue(format.videoFormat) : rawValue(format.audioFormat);
-}
-
 } // namespace
 
 QString VideoPreset::presetDescription() const
 {
-    if (std::optional<QString> text = fixedDescription(name))
+    if (std::optional<QString> text = PresetFields::fixedDescription(name, fixedDescriptions))
         return *text;
     return builtDescription(*this);
 }
@@ -78,7 +47,7 @@ size_t qHash(const VideoPreset& preset, size_t seed)
 {
     const OutputFormat& format = preset.outputFormat;
     return qHashMulti(
-        seed, preset.id, preset.name, format.isVideo(), outputFormatLabel(format),
+        seed, preset.id, preset.name, format.isVideo(), PresetFields::outputFormatLabel(format),
         rawValue(preset.videoCodec), preset.resolution.has_value(),
         preset.resolution ? rawValue(*preset.resolution) : QString(),
         ConversionEngine::rawValue(preset.frameRate), preset.crf, rawValue(preset.audioCodec),
@@ -86,9 +55,9 @@ size_t qHash(const VideoPreset& preset, size_t seed)
         preset.audioBitDepth ? rawValue(*preset.audioBitDepth) : 0,
         ConversionEngine::rawValue(preset.interlacingHandlingMode),
         static_cast<int>(preset.audioLevelProcessing.kind),
-        levelTargetValue(preset.audioLevelProcessing),
+        PresetFields::levelTargetValue(preset.audioLevelProcessing),
         static_cast<int>(preset.selectedLUFSPreset.kind),
-        customLufsValue(preset.selectedLUFSPreset), preset.keepOriginalDate,
+        PresetFields::customLufsValue(preset.selectedLUFSPreset), preset.keepOriginalDate,
         preset.writeDateToFilename);
 }
 
