@@ -356,27 +356,23 @@ void ContentViewModel::setCrfFromSlider(double value)
 
 void ContentViewModel::moveAverageBitrate(qint64 bitsPerSecond)
 {
-    setBitrateRange(bitsPerSecond, m_minBitrate, m_maxBitrate);
+    setBitrateRange({bitsPerSecond, m_minBitrate, m_maxBitrate});
     setQualityMode(QualityMode::averageBitrate(int(m_targetBitrate)));
 }
 
 void ContentViewModel::moveMinBitrate(qint64 bitsPerSecond)
 {
-    const ConversionControls::BitrateRange moved = ConversionControls::afterMinMoved(
-        {m_targetBitrate, m_minBitrate, m_maxBitrate}, bitsPerSecond);
-    setBitrateRange(moved.targetBitsPerSecond, moved.minBitsPerSecond, moved.maxBitsPerSecond);
-    if (m_qualityMode.kind == QualityMode::Kind::twoPassVBR)
-        setQualityMode(
-            QualityMode::twoPassVBR(int(m_targetBitrate), int(m_minBitrate), int(m_maxBitrate)));
-    else
-        setQualityMode(QualityMode::variableBitrate(int(m_minBitrate), int(m_maxBitrate)));
+    applyMovedRangeEnd(ConversionControls::afterMinMoved(bitrateRange(), bitsPerSecond));
 }
 
 void ContentViewModel::moveMaxBitrate(qint64 bitsPerSecond)
 {
-    const ConversionControls::BitrateRange moved = ConversionControls::afterMaxMoved(
-        {m_targetBitrate, m_minBitrate, m_maxBitrate}, bitsPerSecond);
-    setBitrateRange(moved.targetBitsPerSecond, moved.minBitsPerSecond, moved.maxBitsPerSecond);
+    applyMovedRangeEnd(ConversionControls::afterMaxMoved(bitrateRange(), bitsPerSecond));
+}
+
+void ContentViewModel::applyMovedRangeEnd(const ConversionControls::BitrateRange& moved)
+{
+    setBitrateRange(moved);
     if (m_qualityMode.kind == QualityMode::Kind::twoPassVBR)
         setQualityMode(
             QualityMode::twoPassVBR(int(m_targetBitrate), int(m_minBitrate), int(m_maxBitrate)));
@@ -386,20 +382,23 @@ void ContentViewModel::moveMaxBitrate(qint64 bitsPerSecond)
 
 void ContentViewModel::moveTargetBitrate(qint64 bitsPerSecond)
 {
-    const ConversionControls::BitrateRange moved = ConversionControls::afterTargetMoved(
-        {m_targetBitrate, m_minBitrate, m_maxBitrate}, bitsPerSecond);
-    setBitrateRange(moved.targetBitsPerSecond, moved.minBitsPerSecond, moved.maxBitsPerSecond);
+    setBitrateRange(ConversionControls::afterTargetMoved(bitrateRange(), bitsPerSecond));
     setQualityMode(
         QualityMode::twoPassVBR(int(m_targetBitrate), int(m_minBitrate), int(m_maxBitrate)));
 }
 
-void ContentViewModel::setBitrateRange(qint64 target, qint64 min, qint64 max)
+ConversionControls::BitrateRange ContentViewModel::bitrateRange() const
 {
-    if (target == m_targetBitrate && min == m_minBitrate && max == m_maxBitrate)
+    return {m_targetBitrate, m_minBitrate, m_maxBitrate};
+}
+
+void ContentViewModel::setBitrateRange(const ConversionControls::BitrateRange& range)
+{
+    if (range == bitrateRange())
         return;
-    m_targetBitrate = target;
-    m_minBitrate = min;
-    m_maxBitrate = max;
+    m_targetBitrate = range.targetBitsPerSecond;
+    m_minBitrate = range.minBitsPerSecond;
+    m_maxBitrate = range.maxBitsPerSecond;
     emit bitrateRangeChanged();
     emit controlsChanged();
 }
@@ -468,6 +467,26 @@ void ContentViewModel::validateAudioCodec(const OutputFormat& format)
 
 // ---- Presets
 
+// Both kinds of record carry these fields under the same names. A preset without a bit rate or a
+// bit depth still sets the control, to the value it falls back to.
+template <typename Preset>
+void ContentViewModel::applyPresetAudio(const Preset& preset)
+{
+    setSelectedAudioCodec(preset.audioCodec);
+    setSelectedAudioBitrate(preset.audioBitrate.value_or(AudioBitrate::kbps256));
+    setSelectedSampleRate(preset.audioSampleRate);
+    setSelectedBitDepth(preset.audioBitDepth.value_or(BitDepth::depth16));
+    setAudioHandlingMode(AudioHandlingMode::reencode);
+}
+
+template <typename Preset>
+void ContentViewModel::applyPresetLevel(const Preset& preset)
+{
+    applyLevel(preset.audioLevelProcessing);
+    assign(m_selectedLUFSPreset, preset.selectedLUFSPreset,
+           &ContentViewModel::selectedLUFSPresetChanged);
+}
+
 void ContentViewModel::applyPreset(const AnyPreset& preset)
 {
     if (const VideoPreset* video = preset.videoPreset())
@@ -493,15 +512,9 @@ void ContentViewModel::applyVideoPreset(const VideoPreset& preset)
     setQualityMode(QualityMode::constant(int(preset.crf)));
     setCustomCRF(double(preset.crf));
     setUseCustomCRF(false);
-    setSelectedAudioCodec(preset.audioCodec);
-    setSelectedAudioBitrate(preset.audioBitrate.value_or(AudioBitrate::kbps256));
-    setSelectedSampleRate(preset.audioSampleRate);
-    setSelectedBitDepth(preset.audioBitDepth.value_or(BitDepth::depth16));
-    setAudioHandlingMode(AudioHandlingMode::reencode);
+    applyPresetAudio(preset);
     setSelectedInterlacingHandlingMode(preset.interlacingHandlingMode);
-    applyLevel(preset.audioLevelProcessing);
-    assign(m_selectedLUFSPreset, preset.selectedLUFSPreset,
-           &ContentViewModel::selectedLUFSPresetChanged);
+    applyPresetLevel(preset);
     validateAudioCodec(m_selectedOutputFormat);
 }
 
@@ -509,14 +522,8 @@ void ContentViewModel::applyAudioPreset(const AudioPreset& preset)
 {
     assign(m_selectedOutputFormat, preset.outputFormat,
            &ContentViewModel::selectedOutputFormatChanged);
-    setSelectedAudioCodec(preset.audioCodec);
-    setSelectedAudioBitrate(preset.audioBitrate.value_or(AudioBitrate::kbps256));
-    setSelectedSampleRate(preset.audioSampleRate);
-    setSelectedBitDepth(preset.audioBitDepth.value_or(BitDepth::depth16));
-    setAudioHandlingMode(AudioHandlingMode::reencode);
-    applyLevel(preset.audioLevelProcessing);
-    assign(m_selectedLUFSPreset, preset.selectedLUFSPreset,
-           &ContentViewModel::selectedLUFSPresetChanged);
+    applyPresetAudio(preset);
+    applyPresetLevel(preset);
     validateAudioCodec(m_selectedOutputFormat);
 }
 

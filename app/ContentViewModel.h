@@ -13,6 +13,7 @@
 #include "app/AudioCodec.h"
 #include "app/AudioHandlingMode.h"
 #include "app/BitDepth.h"
+#include "app/ConversionControls.h"
 #include "app/ConversionSettings.h"
 #include "app/ExportQualityPreset.h"
 #include "app/FileAlert.h"
@@ -355,6 +356,11 @@ private:
     void applyVideoPreset(const VideoPreset& preset);
     void applyAudioPreset(const AudioPreset& preset);
     void applyLevel(const ConversionEngine::AudioLevelTarget& level);
+    // The audio and level settings, which both kinds of preset hold alike.
+    template <typename Preset>
+    void applyPresetAudio(const Preset& preset);
+    template <typename Preset>
+    void applyPresetLevel(const Preset& preset);
 
     void addSupportedAndReport(const QStringList& paths);
     void queueFileAlert(const FileAlert& alert);
@@ -368,7 +374,11 @@ private:
     void setPendingConversion(const std::optional<PendingConversion>& pending);
 
     void setSelectedLevelProcessing(const ConversionEngine::AudioLevelTarget& target);
-    void setBitrateRange(qint64 target, qint64 min, qint64 max);
+    ConversionControls::BitrateRange bitrateRange() const;
+    void setBitrateRange(const ConversionControls::BitrateRange& range);
+    // After the lower or upper end moved, the mode keeps its kind: two-pass stays two-pass,
+    // any other becomes variable.
+    void applyMovedRangeEnd(const ConversionControls::BitrateRange& moved);
     void listenForFilesFromFinder();
 
     // Assigns and signals only on a change; every change also refreshes the derived texts.
