@@ -18,6 +18,7 @@
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <exception>
+#include <utility>
 
 namespace Ondrilet {
 
@@ -379,6 +380,9 @@ QCoro::Task<> MetadataEditorModel::storeMetadataForFiles(QStringList files, QCbo
 {
     QPointer<MetadataEditorModel> self(this);
     const QString description = describe(metadata);
+    const quint64 call = ++m_storeCalls;
+    for (const QString& file : std::as_const(files))
+        m_latestStoreFor.insert(PendingMetadataStore::key(file), call);
     for (const QString& file : files) {
         Console::print(QStringLiteral("Preparing metadata for conversion:"));
         Console::print(QStringLiteral("  File: ") + fileNameOf(file));
@@ -387,7 +391,12 @@ QCoro::Task<> MetadataEditorModel::storeMetadataForFiles(QStringList files, QCbo
         // a conversion among them, may run in between.
         QFuture<void> hop = QtConcurrent::run(QThreadPool::globalInstance(), [] {});
         co_await hop;
-        storePendingMetadata(file, metadata);
+        if (!self) {
+            storePendingMetadata(file, metadata);
+        } else if (self->m_latestStoreFor.value(PendingMetadataStore::key(file)) == call) {
+            self->m_latestStoreFor.remove(PendingMetadataStore::key(file));
+            storePendingMetadata(file, metadata);
+        }
     }
     Console::print(QStringLiteral("✅ Auto-applied metadata to %1 files").arg(files.size()));
     if (self)

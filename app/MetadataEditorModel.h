@@ -7,6 +7,7 @@
 #include <QCborMap>
 #include <QCoro/QCoroTask>
 #include <QDateTime>
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -126,6 +127,8 @@ public:
     void applyMetadataChanges();
     // Stores `metadata` for each of `files` in order, leaving the main thread once before each
     // store, then prints the count. The task keeps this object alive only by its parent.
+    // Edits given later win: an entry a later call has claimed is not overwritten by an earlier
+    // call whose trip off the main thread happened to end last.
     QCoro::Task<> storeMetadataForFiles(QStringList files, QCborMap metadata);
     // Replaces the file name's entry; a map that cannot be written clears the entry instead.
     static void storePendingMetadata(const QString& file, const QCborMap& metadata);
@@ -179,6 +182,9 @@ private:
     QString m_comments;
     QVariantMap m_currentFileMetadata;
     QString m_detectedFileFormat;
+    // The latest storing call for each stored entry (keyed as the store keys it), by call number.
+    QHash<QString, quint64> m_latestStoreFor;
+    quint64 m_storeCalls = 0;
 };
 
 } // namespace Ondrilet

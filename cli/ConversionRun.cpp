@@ -100,10 +100,7 @@ void ConversionRun::countMetadataStores()
     // With files listed, each change of the custom date or of the date-in-name switch stores
     // the edits for every file in a task of its own, which ends with metadataStored.
     MetadataEditorModel* editor = m_model->metadataEditor();
-    const auto started = [this] {
-        ++m_pendingMetadataStores;
-        ++m_metadataStoresStarted;
-    };
+    const auto started = [this] { ++m_pendingMetadataStores; };
     m_storeCounting = {
         connect(editor, &MetadataEditorModel::metadataCustomCreationDateChanged, this, started),
         connect(editor, &MetadataEditorModel::metadataWriteDateToFilenameChanged, this, started),
@@ -119,15 +116,6 @@ void ConversionRun::pressConvertWhenSettled()
 {
     if (m_pressed || m_pendingMetadataStores > 0)
         return;
-    // Each store hops off the main thread once, so two stores in flight may finish in either
-    // order and leave the older edits behind. One more store, alone, leaves the current ones.
-    if (m_metadataStoresStarted > 1 && !m_finalMetadataStoreStarted &&
-        !m_model->fileList()->selectedFiles().isEmpty()) {
-        m_finalMetadataStoreStarted = true;
-        ++m_pendingMetadataStores;
-        m_model->metadataEditor()->applyMetadataChanges();
-        return;
-    }
     m_pressed = true;
     for (const QMetaObject::Connection& connection : m_storeCounting)
         disconnect(connection);

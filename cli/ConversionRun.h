@@ -61,8 +61,6 @@ private:
     std::optional<AnyPreset> m_preset;
     // Stores the date switches have started and not finished; Convert waits for them.
     int m_pendingMetadataStores = 0;
-    int m_metadataStoresStarted = 0;
-    bool m_finalMetadataStoreStarted = false;
     QList<QMetaObject::Connection> m_storeCounting;
     bool m_pressed = false;
     bool m_finished = false;

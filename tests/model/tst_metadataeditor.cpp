@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
 
 #include <memory>
 
@@ -209,6 +210,27 @@ private slots:
         QVERIFY(stored.wait(5000));
         QCOMPARE(storedFor("/in/c.wav").value("creationDate"), QCborValue(customDate));
         QCOMPARE(storedFor("/in/c.wav").value("writeToFilename"), QCborValue(false));
+    }
+
+    void laterEditsWinOverAnEarlierStoreStillUnderWay()
+    {
+        // One pool thread runs the trips off the main thread in the order they were asked for:
+        // the second call's only trip ends before the first call's trip for its second file.
+        QThreadPool& pool = *QThreadPool::globalInstance();
+        const int threads = pool.maxThreadCount();
+        pool.setMaxThreadCount(1);
+        QCborMap older;
+        older.insert(QStringLiteral("title"), QStringLiteral("Older"));
+        older.insert(QStringLiteral("writeToFilename"), false);
+        QCborMap newer = older;
+        newer.insert(QStringLiteral("title"), QStringLiteral("Newer"));
+        QSignalSpy stored(&editor(), &MetadataEditorModel::metadataStored);
+        editor().storeMetadataForFiles({"/in/first.wav", "/in/second.wav"}, older);
+        editor().storeMetadataForFiles({"/in/second.wav"}, newer);
+        QTRY_COMPARE_WITH_TIMEOUT(stored.size(), 2, 5000);
+        pool.setMaxThreadCount(threads);
+        QCOMPARE(storedFor("/in/first.wav"), older);
+        QCOMPARE(storedFor("/in/second.wav"), newer);
     }
 
     void readingFillsTheFieldsFromTheCommonKeys()
