@@ -169,6 +169,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
                     .arg(index + 1)
                     .arg(count));
             setIsConverting(false);
+            emit runEnded();
             co_return;
         }
         const ProgressSubject subject = subscribeToFileProgress(index, count, file);
@@ -195,6 +196,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
         }
         if (failure) {
             handleFailure(file, temporary, failure, onError);
+            emit runEnded();
             co_return;
         }
     }
@@ -205,6 +207,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
     setIsConverting(false);
     setProgress(0);
     m_batchProgressManager->finishBatch();
+    emit runEnded();
 }
 
 QCoro::Task<> MediaConverter::convertOne(QString file, QString output,

@@ -102,6 +102,9 @@ signals:
     void progressMessageChanged(const QString& progressMessage);
     void showAdvancedProgressChanged(bool showAdvancedProgress);
     void showEnhancedProgressChanged(bool showEnhancedProgress);
+    // A run started by convertFiles has ended, whichever way: every file converted, a failure,
+    // or a stop before the next file. Emitted last, after the run's own state is written.
+    void runEnded();
 
 private:
     struct FileProgressSubscription;

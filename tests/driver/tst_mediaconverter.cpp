@@ -21,6 +21,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -90,6 +91,8 @@ struct RunResult
 {
     QStringList errors;
     QStringList lines;
+    // How often the converter said the run had ended.
+    qsizetype endings = 0;
 };
 
 RunResult run(MediaConverter& converter, const QStringList& files,
@@ -99,10 +102,12 @@ RunResult run(MediaConverter& converter, const QStringList& files,
 {
     RunResult result;
     Console::Recorder recorder;
+    QSignalSpy ended(&converter, &MediaConverter::runEnded);
     QCoro::waitFor(converter.convertFiles(
         files, settings, fileOptions, outputDirectory, {}, level, useSourceDirectory,
         [&result](const QString& text) { result.errors.append(text); }));
     result.lines = recorder.lines();
+    result.endings = ended.size();
     return result;
 }
 
@@ -270,6 +275,7 @@ private slots:
         const RunResult result = run(converter, {}, audioSettingsFor(AudioFormat::wav),
                                      options(false, false, false), m_outputs, false);
         QVERIFY(result.errors.isEmpty());
+        QCOMPARE(result.endings, qsizetype(1));
         QCOMPARE(converter.enhancedProgressTracker()->statusMessage(),
                  QStringLiteral("✅ 0 files converted successfully."));
         QCOMPARE(converter.isConverting(), false);
@@ -485,6 +491,7 @@ private slots:
         const RunResult result = run(converter, files, audioSettingsFor(AudioFormat::wav),
                                      options(false, false, false), m_outputs, false);
         QCOMPARE(result.errors, QStringList{noAudioTrackText});
+        QCOMPARE(result.endings, qsizetype(1));
         QVERIFY(result.lines.contains(
             QStringLiteral("❌ Audio conversion error: Invalid file structure: No audio track "
                            "found in the source file")));
@@ -613,6 +620,7 @@ private slots:
         QCOMPARE(afterCancel, (QStringList{QStringLiteral("Conversion cancelled"),
                                            QStringLiteral("0"), QStringLiteral("idle")}));
         QCOMPARE(result.errors, QStringList());
+        QCOMPARE(result.endings, qsizetype(1));
         QVERIFY(result.lines.contains(
             QStringLiteral("⏹️ Cancellation requested via MediaConverter")));
         QCOMPARE(fileLines(result.lines).last(),
