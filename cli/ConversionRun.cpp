@@ -1,6 +1,7 @@
 #include "cli/ConversionRun.h"
 
 #include "ConversionEngine/EnhancedProgressTracker.h"
+#include "app/BatchProgressManager.h"
 #include "app/ContentViewModel.h"
 #include "app/FileListRules.h"
 #include "app/MetadataEditorModel.h"
@@ -87,6 +88,8 @@ bool ConversionRun::openWithFiles(const CliRequest& request)
 
 void ConversionRun::chooseSettings()
 {
+    if (m_finished)
+        return;
     countMetadataStores();
     if (m_preset)
         m_model->setSelectedAnyPreset(*m_preset);
@@ -114,7 +117,7 @@ void ConversionRun::countMetadataStores()
 
 void ConversionRun::pressConvertWhenSettled()
 {
-    if (m_pressed || m_pendingMetadataStores > 0)
+    if (m_finished || m_pressed || m_pendingMetadataStores > 0)
         return;
     m_pressed = true;
     for (const QMetaObject::Connection& connection : m_storeCounting)
@@ -125,6 +128,8 @@ void ConversionRun::pressConvertWhenSettled()
 
 void ConversionRun::pressConvert()
 {
+    if (m_finished)
+        return;
     // The directory write test warns and keeps the choice; so does the terminal.
     if (m_model->showingAlert()) {
         m_terminal->writeError(m_model->alertMessage());
@@ -148,8 +153,28 @@ void ConversionRun::pressConvert()
     finish(exitFailed);
 }
 
+void ConversionRun::interrupt()
+{
+    if (m_finished || m_stopping)
+        return;
+    if (!m_converting) {
+        m_terminal->writeError(QStringLiteral("ondrilet-cli: interrupted; nothing was converted"));
+        finish(exitInterrupted);
+        return;
+    }
+    m_stopping = true;
+    m_terminal->writeError(QStringLiteral(
+        "ondrilet-cli: stopping after the file in hand; press Ctrl-C again to quit at once"));
+    // The end of the run is told after its own last word: a completion or a failure that comes
+    // first decides the exit status.
+    connect(m_model->mediaConverter(), &MediaConverter::runEnded, this,
+            [this] { later(this, &ConversionRun::finishStopped); });
+    m_model->stopConversion();
+}
+
 void ConversionRun::watchTheRun()
 {
+    m_converting = true;
     MediaConverter* converter = m_model->mediaConverter();
     m_progress = new ProgressDisplay(converter, m_terminal, this);
     m_progress->start();
@@ -177,6 +202,20 @@ void ConversionRun::finishConverted()
     if (m_progress)
         m_progress->stop(m_model->mediaConverter()->enhancedProgressTracker()->statusMessage());
     finish(exitConverted);
+}
+
+void ConversionRun::finishStopped()
+{
+    if (m_finished)
+        return;
+    const BatchConversionStats stats =
+        m_model->mediaConverter()->batchProgressManager()->batchStats();
+    if (m_progress)
+        m_progress->stop();
+    m_terminal->writeError(QStringLiteral("ondrilet-cli: stopped; %1 of %2 files converted")
+                               .arg(stats.completedFiles)
+                               .arg(stats.totalFiles));
+    finish(exitInterrupted);
 }
 
 void ConversionRun::finish(int exitStatus)

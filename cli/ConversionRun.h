@@ -3,7 +3,8 @@
 // manager and the first one's metadata is read, the preset and the settings are chosen, the
 // edits the date switches store are stored, Convert is pressed and the overwrite question is
 // answered. It ends with the exit status: 0 when every file converted, 1 with the alert's text
-// on standard error, 2 for a preset that does not exist or an output directory that is not one.
+// on standard error, 2 for a preset that does not exist or an output directory that is not one,
+// 130 when an interrupt stopped it before every file was converted.
 // Main thread only.
 #pragma once
 
@@ -31,6 +32,8 @@ public:
     static constexpr int exitConverted = 0;
     static constexpr int exitFailed = 1;
     static constexpr int exitUsage = 2;
+    // What a shell reports for a program that Ctrl-C ended.
+    static constexpr int exitInterrupted = 130;
 
     // `model` and `terminal` must outlive this object.
     ConversionRun(ContentViewModel* model, TerminalOutput* terminal, QObject* parent = nullptr);
@@ -39,6 +42,11 @@ public:
     // the main loop and presses Convert once the window has settled; finished() tells the end,
     // also of a run that could not start.
     void start(const CliRequest& request);
+
+    // Ctrl-C. Before Convert is pressed the run ends at once with nothing converted; while files
+    // are converting it presses Stop, so the file in hand is finished and the run ends before
+    // the next one. A run that ends otherwise meanwhile keeps its own exit status.
+    void interrupt();
 
 signals:
     void finished(int exitStatus);
@@ -51,6 +59,7 @@ private:
     void pressConvert();
     void watchTheRun();
     void finishConverted();
+    void finishStopped();
     void finish(int exitStatus);
     void finishWithUsageError(const QString& message);
 
@@ -63,6 +72,8 @@ private:
     int m_pendingMetadataStores = 0;
     QList<QMetaObject::Connection> m_storeCounting;
     bool m_pressed = false;
+    bool m_converting = false;
+    bool m_stopping = false;
     bool m_finished = false;
 };
 

@@ -102,15 +102,22 @@ QString HelpText::help()
         "with the percentage done and the time remaining is drawn there. --measure prints one "
         "JSON object with integratedLUFS, ungatedLUFS, effectiveGateLUFS and truePeakDBTP from "
         "the loudness analysis and peakDB and peakLinear from the peak pass."));
-    text += QStringLiteral("Exit status:\n"
-                           "  0  every file converted (or the listing or the measurement done)\n");
-    text += QStringLiteral("  1  ") +
+    text +=
+        QStringLiteral("Exit status:\n"
+                       "    0  every file converted (or the listing or the measurement done)\n");
+    text += QStringLiteral("    1  ") +
             wrapped(QStringLiteral("a conversion failed, a file was refused, or the overwrite of "
                                    "original files was not confirmed; the message is on standard "
                                    "error"),
-                    5, 5) +
+                    7, 7) +
             QLatin1Char('\n');
-    text += QStringLiteral("  2  a usage error\n");
+    text += QStringLiteral("    2  a usage error\n");
+    text += QStringLiteral("  130  ") +
+            wrapped(QStringLiteral("stopped by Ctrl-C: the file in hand is finished and the rest "
+                                   "are not begun; a second Ctrl-C quits at once and may leave "
+                                   "that file's output unfinished"),
+                    7, 7) +
+            QLatin1Char('\n');
     return text;
 }
 

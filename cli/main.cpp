@@ -6,6 +6,7 @@
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/HelpText.h"
+#include "cli/InterruptWatcher.h"
 #include "cli/MeasureCommand.h"
 #include "cli/PresetListing.h"
 #include "cli/TerminalOutput.h"
@@ -27,6 +28,8 @@ int convert(const CliRequest& request, TerminalOutput& terminal)
     AppMemoryManager appMemoryManager;
     ContentViewModel model(&presetStore);
     ConversionRun run(&model, &terminal);
+    InterruptWatcher interrupts;
+    QObject::connect(&interrupts, &InterruptWatcher::interrupted, &run, &ConversionRun::interrupt);
     // Queued: a run refused at once ends before the loop below has started.
     QObject::connect(&run, &ConversionRun::finished, QCoreApplication::instance(),
                      &QCoreApplication::exit, Qt::QueuedConnection);

@@ -24,6 +24,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <csignal>
 
 using namespace Ondrilet;
 using testsupport::Fixtures;
@@ -89,6 +90,18 @@ private:
     Result run(const QStringList& arguments)
     {
         QProcess process;
+        startInWork(process, arguments);
+        if (!process.waitForFinished(120000))
+            qFatal("ondrilet-cli did not finish");
+        Result result;
+        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        result.out = QString::fromUtf8(process.readAllStandardOutput());
+        result.err = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    }
+
+    void startInWork(QProcess& process, const QStringList& arguments)
+    {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("HOME"), m_home);
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
@@ -97,13 +110,39 @@ private:
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_work);
         process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
-        if (!process.waitForFinished(120000))
-            qFatal("ondrilet-cli did not finish");
-        Result result;
-        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
+    }
+
+    // Reads `channel` until `text` has appeared in it.
+    static bool waitForOutput(QProcess& process, const QString& text,
+                              QProcess::ProcessChannel channel = QProcess::StandardOutput)
+    {
+        process.setReadChannel(channel);
+        QByteArray seen;
+        while (!seen.contains(text.toUtf8())) {
+            if (process.bytesAvailable() == 0 && !process.waitForReadyRead(60000))
+                return false;
+            seen += process.readAll();
+        }
+        return true;
+    }
+
+    // `count` copies of a 15 s 48 kHz stereo tone in m_work, named a.wav, b.wav, …
+    QStringList longTones(int count)
+    {
+        const QString tone = Fixtures::makeTone(
+            m_root.filePath(QStringLiteral("fixtures")), QStringLiteral("long.wav"), 15.0, 48000, 2,
+            {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
+        if (tone.isEmpty())
+            qFatal("%s", qPrintable(Fixtures::lastError()));
+        QStringList names;
+        for (int i = 0; i < count; ++i) {
+            const QString name = QChar(u'a' + i) + QStringLiteral(".wav");
+            QFile::remove(m_work + QLatin1Char('/') + name);
+            if (!QFile::copy(tone, m_work + QLatin1Char('/') + name))
+                qFatal("cannot copy the long tone");
+            names.append(name);
+        }
+        return names;
     }
 
     QString copyTone(const QString& directory, const QString& name)
@@ -488,6 +527,63 @@ private slots:
                  QStringLiteral("Conversion failed: Cannot add writer input - incompatible output "
                                 "format settings\n\nTry using different conversion settings or "
                                 "check the input file.\n"));
+    }
+
+    // Ctrl-C during a run: the file in hand is finished, no other is begun, and the program
+    // ends with 130 and says so. Files of 15 s take long enough to encode that the interrupt
+    // lands while the second one is in hand.
+    void ctrlCStopsAfterTheFileInHand()
+    {
+        const QStringList names = longTones(4);
+        QProcess process;
+        startInWork(process,
+                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
+                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
+                                        QStringLiteral("--output-dir"), m_out});
+        QVERIFY(waitForOutput(process, QStringLiteral("metadata for: b.wav")));
+        QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
+        QVERIFY(process.waitForFinished(120000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 130);
+
+        const QStringList outputs = filesBelow(m_out);
+        QVERIFY2(outputs.size() >= 2 && outputs.size() < names.size(),
+                 qPrintable(outputs.join(u',')));
+        QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+                 QStringLiteral("ondrilet-cli: stopping after the file in hand; press Ctrl-C "
+                                "again to quit at once\n"
+                                "ondrilet-cli: stopped; %1 of 4 files converted\n")
+                     .arg(outputs.size()));
+        for (qsizetype i = 0; i < outputs.size(); ++i) {
+            QCOMPARE(outputs.at(i), QStringLiteral("Audio/m4a/%1 (AAC_256k_48kHz_LUFS-23).m4a")
+                                        .arg(names.at(i).chopped(4)));
+            const testsupport::AudioStreamProbe probe =
+                Fixtures::probeAudio(m_out + QLatin1Char('/') + outputs.at(i));
+            QCOMPARE(probe.codecName, QStringLiteral("aac"));
+            QVERIFY2(std::abs(probe.durationSeconds - 15.0) < 0.1,
+                     qPrintable(QString::number(probe.durationSeconds)));
+        }
+    }
+
+    // A second Ctrl-C ends the program at once, by the signal; the sources are untouched.
+    void aSecondCtrlCQuitsAtOnce()
+    {
+        const QStringList names = longTones(3);
+        const QByteArray before = Fixtures::sha256(m_work + QStringLiteral("/a.wav"));
+        QProcess process;
+        startInWork(process,
+                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
+                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
+                                        QStringLiteral("--output-dir"), m_out});
+        QVERIFY(waitForOutput(process, QStringLiteral("metadata for: a.wav")));
+        QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
+        QVERIFY(waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
+                              QProcess::StandardError));
+        QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        for (const QString& name : names)
+            QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
     }
 
     void measure()

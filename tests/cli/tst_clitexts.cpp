@@ -138,7 +138,8 @@ private slots:
     {
         const QString help = HelpText::help();
         QVERIFY(help.startsWith(QStringLiteral("Usage: ondrilet-cli [options] FILE...\n")));
-        QVERIFY(help.endsWith(QStringLiteral("  2  a usage error\n")));
+        QVERIFY(help.contains(QStringLiteral("\n    2  a usage error\n")));
+        QVERIFY(help.endsWith(QStringLiteral("that file's output unfinished\n")));
         const QStringList lines = help.split(QLatin1Char('\n'));
         for (const QString& line : lines)
             QVERIFY2(line.size() <= 100, qPrintable(line));
@@ -161,7 +162,9 @@ private slots:
             }
         }
         QVERIFY(help.contains(QStringLiteral("  --format FORMAT           Output format.")));
-        QVERIFY(help.contains(QStringLiteral("Exit status:\n  0  every file converted")));
+        QVERIFY(help.contains(QStringLiteral("Exit status:\n    0  every file converted")));
+        QVERIFY(help.contains(QStringLiteral("\n  130  stopped by Ctrl-C: the file in hand is "
+                                             "finished")));
     }
 };
 
