@@ -224,7 +224,7 @@ private slots:
                                                missing});
         QCOMPARE(model.outputDirectory(), missing);
         QCOMPARE(UserDefaults::standard().data(bookmarkKey), std::optional(first.toUtf8()));
-        QVERIFY(alerts.wait(1000));
+        QVERIFY(alerts.wait(5000));
         QCOMPARE(alerts.front().front().toString(), warning);
     }
 };
