@@ -167,9 +167,29 @@ void ConversionRun::interrupt()
         "ondrilet-cli: stopping after the file in hand; press Ctrl-C again to quit at once"));
     // The end of the run is told after its own last word: a completion or a failure that comes
     // first decides the exit status.
-    connect(m_model->mediaConverter(), &MediaConverter::runEnded, this,
+    MediaConverter* converter = m_model->mediaConverter();
+    connect(converter, &MediaConverter::runEnded, this,
             [this] { later(this, &ConversionRun::finishStopped); });
-    m_model->stopConversion();
+    ConversionEngine::EnhancedProgressTracker* tracker = converter->enhancedProgressTracker();
+    if (tracker->isActive()) {
+        pressStop();
+        return;
+    }
+    // Convert was pressed and the run begins on a later turn; starting it clears a stop asked
+    // for before, so Stop is pressed once it is under way.
+    m_stopOnStart = connect(tracker, &ConversionEngine::EnhancedProgressTracker::isActiveChanged,
+                            this, [this](bool active) {
+                                if (!active)
+                                    return;
+                                disconnect(m_stopOnStart);
+                                later(this, &ConversionRun::pressStop);
+                            });
+}
+
+void ConversionRun::pressStop()
+{
+    if (!m_finished)
+        m_model->stopConversion();
 }
 
 void ConversionRun::watchTheRun()

@@ -59,6 +59,7 @@ private:
     void pressConvert();
     void watchTheRun();
     void finishConverted();
+    void pressStop();
     void finishStopped();
     void finish(int exitStatus);
     void finishWithUsageError(const QString& message);
@@ -74,6 +75,8 @@ private:
     bool m_pressed = false;
     bool m_converting = false;
     bool m_stopping = false;
+    // Presses Stop once a run that was about to begin has begun.
+    QMetaObject::Connection m_stopOnStart;
     bool m_finished = false;
 };
 

@@ -49,7 +49,8 @@ private:
 
     // Runs the command line `arguments` in m_work; `whileConverting` is called once, from the
     // main loop, when the first file's conversion has begun. Returns the exit status.
-    int run(const QStringList& arguments, const std::function<void(ConversionRun&)>& atStart,
+    int run(const QStringList& arguments,
+            const std::function<void(ConversionRun&, ContentViewModel&)>& atStart,
             const std::function<void(ConversionRun&, ContentViewModel&)>& whileConverting)
     {
         PresetStore presets;
@@ -68,7 +69,7 @@ private:
                     QTimer::singleShot(0, this, [&] { whileConverting(conversion, model); });
                 });
         conversion.start(CliOptionParser::parse(arguments, m_work));
-        atStart(conversion);
+        atStart(conversion, model);
         if (finished.isEmpty() && !finished.wait(60000))
             return -1;
         // Whatever the run still has on the main queue finishes before the objects go.
@@ -109,7 +110,7 @@ private slots:
         const QByteArray before = Fixtures::sha256(a);
         const int status = run(
             {QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("wav")},
-            [](ConversionRun& conversion) { conversion.interrupt(); },
+            [](ConversionRun& conversion, ContentViewModel&) { conversion.interrupt(); },
             [](ConversionRun&, ContentViewModel&) { QFAIL("a conversion began"); });
         QCOMPARE(status, ConversionRun::exitInterrupted);
         QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
@@ -127,7 +128,7 @@ private slots:
              QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
              QStringLiteral("--beside-source"), QStringLiteral("--no-subfolders"),
              QStringLiteral("--no-settings-in-name"), QStringLiteral("--yes")},
-            [](ConversionRun&) {},
+            [](ConversionRun&, ContentViewModel&) {},
             [](ConversionRun& conversion, ContentViewModel& model) {
                 conversion.interrupt();
                 // A second interrupt reaches the run only if the watcher is gone: it changes
@@ -148,6 +149,39 @@ private slots:
         QCOMPARE(Fixtures::sha256(c), before);
     }
 
+    // Between the press of Convert and the start of the run a stop would be cleared by the
+    // start: the run presses Stop again once the run is under way.
+    void anInterruptAsTheRunBeginsStillStopsIt()
+    {
+        copyTone(QStringLiteral("a.wav"));
+        copyTone(QStringLiteral("b.wav"));
+        QVERIFY(QDir().mkpath(m_work + QStringLiteral("/out")));
+        bool interrupted = false;
+        const int status = run(
+            {QStringLiteral("a.wav"), QStringLiteral("b.wav"), QStringLiteral("--format"),
+             QStringLiteral("wav"), QStringLiteral("--no-subfolders"),
+             QStringLiteral("--no-settings-in-name"), QStringLiteral("--output-dir"),
+             m_work + QStringLiteral("/out")},
+            [&](ConversionRun& conversion, ContentViewModel& model) {
+                // The converter says it is converting before its tracker has started.
+                connect(model.mediaConverter(), &MediaConverter::isConvertingChanged, this,
+                        [&](bool converting) {
+                            if (!converting || interrupted)
+                                return;
+                            interrupted = true;
+                            QVERIFY(!model.mediaConverter()->enhancedProgressTracker()->isActive());
+                            conversion.interrupt();
+                        });
+            },
+            [](ConversionRun&, ContentViewModel& model) {
+                // Stop was pressed on an earlier turn; this stands in for the next heartbeat.
+                model.mediaConverter()->enhancedProgressTracker()->heartbeatTimerFired();
+            });
+        QVERIFY(interrupted);
+        QCOMPARE(status, ConversionRun::exitInterrupted);
+        QCOMPARE(filesBelow(m_work + QStringLiteral("/out")), QStringList{QStringLiteral("a.wav")});
+    }
+
     void anInterruptDuringTheLastFileKeepsTheSuccess()
     {
         copyTone(QStringLiteral("a.wav"));
@@ -155,7 +189,7 @@ private slots:
         const int status = run(
             {QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("wav"),
              QStringLiteral("--output-dir"), m_work + QStringLiteral("/out")},
-            [](ConversionRun&) {},
+            [](ConversionRun&, ContentViewModel&) {},
             [](ConversionRun& conversion, ContentViewModel& model) {
                 conversion.interrupt();
                 model.mediaConverter()->enhancedProgressTracker()->heartbeatTimerFired();
