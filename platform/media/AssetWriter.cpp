@@ -3,6 +3,7 @@
 #include "platform/media/internal/AudioEncoder.h"
 #include "platform/media/internal/EncoderChoice.h"
 #include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/OpenOutputs.h"
 #include "platform/media/internal/WriterState.h"
 
 #include <QFileInfo>
@@ -160,6 +161,11 @@ void AssetWriter::cancelWriting()
 {
     const std::lock_guard lock(m_state->mutex);
     m_state->cancel();
+}
+
+QStringList AssetWriter::discardUnfinishedOutputs()
+{
+    return internal::OpenOutputs::discardAll();
 }
 
 AssetWriter::Status AssetWriter::status() const

@@ -9,6 +9,7 @@
 #include "platform/media/MediaTime.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -63,6 +64,11 @@ public:
     void finishWriting(std::function<void()> completion);
     // Stops writing and removes the unfinished file.
     void cancelWriting();
+
+    // Removes every file a writer has open (created and not yet finished, cancelled or
+    // dropped) and returns their paths. For the end of the program, when conversions still
+    // under way are abandoned: whatever those writers do next goes nowhere.
+    static QStringList discardUnfinishedOutputs();
 
     Status status() const;
     std::optional<MediaError> error() const;

@@ -435,6 +435,52 @@ private slots:
                  QFileDevice::Permissions());
     }
 
+    // Only files a writer holds open are discarded: neither a finished output nor a dropped one.
+    void theProgramsEndDiscardsOnlyOutputsStillBeingWritten()
+    {
+        const QString finished = target("end-finished.wav");
+        const QString dropped = target("end-dropped.wav");
+        const QString open = target("end-open.wav");
+        std::vector<float> ramp(4410, 0.25f);
+        {
+            AssetWriter writer(dropped, FileType::wave);
+            const AssetWriterInput input(MediaType::audio, pcmSettings(44100, 1, 16, false));
+            writer.add(input);
+            QVERIFY(writer.startWriting());
+            QVERIFY(input.append(SampleBuffer::fromSamples(MediaTime::zero(), 44100, 1, ramp)));
+        }
+        AssetWriter complete(finished, FileType::wave);
+        const AssetWriterInput completeInput(MediaType::audio, pcmSettings(44100, 1, 16, false));
+        complete.add(completeInput);
+        QVERIFY(complete.startWriting());
+        complete.startSession(MediaTime::zero());
+        QVERIFY(completeInput.append(SampleBuffer::fromSamples(MediaTime::zero(), 44100, 1, ramp)));
+        completeInput.markAsFinished();
+        QSemaphore done;
+        complete.finishWriting([&] { done.release(); });
+        QVERIFY(done.tryAcquire(1, 30000));
+        QCOMPARE(complete.status(), AssetWriter::Status::completed);
+
+        AssetWriter writing(open, FileType::wave);
+        const AssetWriterInput input(MediaType::audio, pcmSettings(44100, 1, 16, false));
+        writing.add(input);
+        QVERIFY(writing.startWriting());
+        writing.startSession(MediaTime::zero());
+        QVERIFY(input.append(SampleBuffer::fromSamples(MediaTime::zero(), 44100, 1, ramp)));
+
+        QCOMPARE(AssetWriter::discardUnfinishedOutputs(), QStringList{open});
+        QVERIFY(!QFileInfo::exists(open));
+        QVERIFY(QFileInfo::exists(finished));
+        QVERIFY(QFileInfo::exists(dropped));
+        // The writer goes on into a file without a name, and nothing is listed twice.
+        QVERIFY(
+            input.append(SampleBuffer::fromSamples(MediaTime::make(4410, 44100), 44100, 1, ramp)));
+        QCOMPARE(AssetWriter::discardUnfinishedOutputs(), QStringList());
+        writing.cancelWriting();
+        QVERIFY(!QFileInfo::exists(open));
+        QCOMPARE(Fixtures::decode(finished).frameCount(), qint64(4410));
+    }
+
     void anExistingOutputIsNeverTouched()
     {
         const QString path = target("exists.wav");

@@ -3,6 +3,7 @@
 #include "platform/media/MediaError.h"
 #include "platform/media/internal/FfmpegError.h"
 #include "platform/media/internal/InputFile.h"
+#include "platform/media/internal/OpenOutputs.h"
 
 extern "C" {
 #include <libavformat/avio.h>
@@ -30,6 +31,7 @@ OutputFile::OutputFile(const QString& path)
                           O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, 0644);
     if (m_descriptor < 0)
         throw mediaErrorFromErrno(errno, QStringLiteral("Cannot create"), path);
+    OpenOutputs::add(path);
     auto* buffer = static_cast<std::uint8_t*>(av_malloc(ioBufferBytes));
     if (buffer)
         m_io = avio_alloc_context(buffer, ioBufferBytes, 1, this, nullptr, writePacket, seek);
@@ -89,6 +91,7 @@ void OutputFile::close()
     const int writeErrno = m_writeErrno;
     const int descriptor = m_descriptor;
     m_descriptor = -1;
+    OpenOutputs::remove(m_path);
     if (m_io) {
         av_freep(&m_io->buffer);
         avio_context_free(&m_io);
@@ -118,6 +121,7 @@ void OutputFile::release()
     if (m_descriptor >= 0) {
         ::close(m_descriptor);
         m_descriptor = -1;
+        OpenOutputs::remove(m_path);
     }
 }
 

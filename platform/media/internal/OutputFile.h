@@ -1,6 +1,7 @@
 // A new output file written through our own descriptor: created exclusively, never
 // world-writable, and complete only when every byte is flushed and the descriptor closed
-// without error. Media layer internals only; one thread at a time.
+// without error. While open it is listed in OpenOutputs. Media layer internals only; one thread
+// at a time.
 #pragma once
 
 #include <QString>

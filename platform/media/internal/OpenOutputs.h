@@ -1,0 +1,20 @@
+// The output files that writers have open right now, by path, so that a program that ends in
+// the middle of a conversion can remove what it will never finish. Any thread.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace platform::internal {
+
+class OpenOutputs
+{
+public:
+    static void add(const QString& path);
+    static void remove(const QString& path);
+    // Removes every listed file from the disk and from the list; returns their paths in the
+    // order they were opened. A file that is already gone is still named.
+    static QStringList discardAll();
+};
+
+} // namespace platform::internal
