@@ -155,6 +155,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
                                            AudioLevelTarget levelProcessing,
                                            bool useSourceDirectory, ErrorCallback onError)
 {
+    m_runInProgress = true;
     setIsConverting(true);
     setProgress(0);
     m_enhancedProgressTracker->startTracking(ConversionPhase::initializing);
@@ -169,7 +170,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
                     .arg(index + 1)
                     .arg(count));
             setIsConverting(false);
-            emit runEnded();
+            endRun();
             co_return;
         }
         const ProgressSubject subject = subscribeToFileProgress(index, count, file);
@@ -196,7 +197,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
         }
         if (failure) {
             handleFailure(file, temporary, failure, onError);
-            emit runEnded();
+            endRun();
             co_return;
         }
     }
@@ -207,7 +208,7 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
     setIsConverting(false);
     setProgress(0);
     m_batchProgressManager->finishBatch();
-    emit runEnded();
+    endRun();
 }
 
 QCoro::Task<> MediaConverter::convertOne(QString file, QString output,
@@ -276,6 +277,12 @@ QCoro::Task<> MediaConverter::convertAudio(QString file, QString workURL,
     }
     if (failure)
         rethrowAudioError(failure, temporary);
+}
+
+void MediaConverter::endRun()
+{
+    m_runInProgress = false;
+    emit runEnded();
 }
 
 void MediaConverter::handleFailure(const QString& file, const std::optional<QString>& temporary,

@@ -93,6 +93,10 @@ public:
                       const std::optional<ConversionEngine::DeinterlacingSettings>& deinterlacing,
                       const ConversionEngine::AudioLevelTarget& levelProcessing) const;
 
+    // From the start of convertFiles until runEnded: unlike isConverting, this stays true after
+    // Stop while the file in hand is still being converted.
+    bool hasRunInProgress() const { return m_runInProgress; }
+
     // Progress subscriptions made so far; one per file processed, kept for this object's life.
     qsizetype subscriptionCount() const { return qsizetype(m_cancellables.size()); }
 
@@ -128,6 +132,7 @@ private:
                        const std::exception_ptr& error, const ErrorCallback& onError);
 
     void setIsConverting(bool value);
+    void endRun();
     void setProgress(double value);
     void setProgressMessage(const QString& value);
 
@@ -136,6 +141,7 @@ private:
     QString m_progressMessage = QStringLiteral("Ready");
     ConversionEngine::MemoryManager* m_memoryManager = nullptr;
     BatchProgressManager* m_batchProgressManager = nullptr;
+    bool m_runInProgress = false;
     bool m_showAdvancedProgress = false;
     ConversionEngine::EnhancedProgressTracker* m_enhancedProgressTracker = nullptr;
     bool m_showEnhancedProgress = false;

@@ -5,6 +5,7 @@
 #include "app/FileListModel.h"
 #include "app/InstanceChannel.h"
 #include "app/PresetStore.h"
+#include "app/ProgramExit.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/MainWindow.h"
 #include "platform/foundation/MainQueue.h"
@@ -71,5 +72,6 @@ int main(int argc, char* argv[])
                          platform::MainQueue::async([&window] { window.bringToFront(); });
                      });
     window.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    return Ondrilet::ProgramExit::afterEventLoop(*model.mediaConverter(), status);
 }
