@@ -164,7 +164,7 @@ void ConversionRun::interrupt()
     }
     m_stopping = true;
     m_terminal->writeError(QStringLiteral(
-        "ondrilet-cli: stopping after the file in hand; press Ctrl-C again to quit at once"));
+        "ondrilet-cli: stopping after the file in hand; press Ctrl-C again to quit now"));
     // The end of the run is told after its own last word: a completion or a failure that comes
     // first decides the exit status.
     MediaConverter* converter = m_model->mediaConverter();
@@ -184,6 +184,17 @@ void ConversionRun::interrupt()
                                 disconnect(m_stopOnStart);
                                 later(this, &ConversionRun::pressStop);
                             });
+}
+
+void ConversionRun::interruptAgain()
+{
+    if (m_finished)
+        return;
+    if (m_progress)
+        m_progress->stop();
+    m_terminal->writeError(
+        QStringLiteral("ondrilet-cli: quitting now; the unfinished output is removed"));
+    finish(exitInterrupted);
 }
 
 void ConversionRun::pressStop()

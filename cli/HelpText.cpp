@@ -114,8 +114,8 @@ QString HelpText::help()
     text += QStringLiteral("    2  a usage error\n");
     text += QStringLiteral("  130  ") +
             wrapped(QStringLiteral("stopped by Ctrl-C: the file in hand is finished and the rest "
-                                   "are not begun; a second Ctrl-C quits at once and may leave "
-                                   "that file's output unfinished"),
+                                   "are not begun; a second Ctrl-C quits at once and removes that "
+                                   "file's unfinished output"),
                     7, 7) +
             QLatin1Char('\n');
     return text;

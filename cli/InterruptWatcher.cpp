@@ -14,6 +14,8 @@ namespace {
 
 // The write end of the pipe, for the signal handler; -1 while no watcher exists.
 volatile sig_atomic_t writeEnd = -1;
+// Interrupts the handler has seen.
+volatile sig_atomic_t caught = 0;
 
 void setDisposition(void (*handler)(int))
 {
@@ -37,6 +39,7 @@ InterruptWatcher::InterruptWatcher(QObject* parent)
     }
     m_readEnd = ends[0];
     writeEnd = ends[1];
+    caught = 0;
     m_notifier = new QSocketNotifier(m_readEnd, QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &InterruptWatcher::drainPipe);
     setDisposition(&InterruptWatcher::onSignal);
@@ -57,7 +60,9 @@ void InterruptWatcher::onSignal(int /*signalNumber*/)
 {
     // Only async-signal-safe calls here.
     const int savedErrno = errno;
-    signal(SIGINT, SIG_DFL);
+    caught = caught + 1;
+    if (caught >= 2)
+        signal(SIGINT, SIG_DFL);
     const char byte = 1;
     // A failed write changes nothing: the pipe can only be full of bytes that tell the same.
     if (writeEnd >= 0) {
@@ -69,10 +74,17 @@ void InterruptWatcher::onSignal(int /*signalNumber*/)
 void InterruptWatcher::drainPipe()
 {
     char bytes[16];
-    while (read(m_readEnd, bytes, sizeof bytes) > 0) {
+    ssize_t count = 0;
+    while ((count = read(m_readEnd, bytes, sizeof bytes)) > 0) {
+        for (ssize_t i = 0; i < count && m_received < 2; ++i) {
+            if (++m_received == 1)
+                emit interrupted();
+            else
+                emit interruptedAgain();
+        }
     }
-    m_notifier->setEnabled(false);
-    emit interrupted();
+    if (m_received >= 2)
+        m_notifier->setEnabled(false);
 }
 
 } // namespace Ondrilet

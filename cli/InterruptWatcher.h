@@ -1,6 +1,7 @@
-// Turns the terminal's interrupt (Ctrl-C, SIGINT) into a Qt signal on the main thread, so that a
-// run can stop between two files instead of dying inside one. Only the first interrupt is
-// caught: from then on the default action is back, and a second Ctrl-C ends the program at once.
+// Turns the terminal's interrupt (Ctrl-C, SIGINT) into Qt signals on the main thread, so that a
+// run can stop between two files, or quit and clean up, instead of dying inside a file. Two
+// interrupts are caught; with the second the default action is back, so a third ends the program
+// at once even when its main loop no longer answers.
 // One object at a time, made and destroyed on the main thread.
 #pragma once
 
@@ -24,12 +25,15 @@ public:
 signals:
     // The first interrupt has arrived; delivered on the main loop.
     void interrupted();
+    // The second one.
+    void interruptedAgain();
 
 private:
     static void onSignal(int signalNumber);
     void drainPipe();
 
     int m_readEnd = -1;
+    int m_received = 0;
     QSocketNotifier* m_notifier = nullptr;
 };
 

@@ -3,6 +3,7 @@
 #include "app/AppMemoryManager.h"
 #include "app/ContentViewModel.h"
 #include "app/PresetStore.h"
+#include "app/ProgramExit.h"
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/HelpText.h"
@@ -30,6 +31,8 @@ int convert(const CliRequest& request, TerminalOutput& terminal)
     ConversionRun run(&model, &terminal);
     InterruptWatcher interrupts;
     QObject::connect(&interrupts, &InterruptWatcher::interrupted, &run, &ConversionRun::interrupt);
+    QObject::connect(&interrupts, &InterruptWatcher::interruptedAgain, &run,
+                     &ConversionRun::interruptAgain);
     // Queued: a run refused at once ends before the loop below has started.
     QObject::connect(&run, &ConversionRun::finished, QCoreApplication::instance(),
                      &QCoreApplication::exit, Qt::QueuedConnection);
@@ -37,7 +40,7 @@ int convert(const CliRequest& request, TerminalOutput& terminal)
     run.start(request);
     const int status = QCoreApplication::exec();
     terminal.stopRelay();
-    return status;
+    return ProgramExit::afterEventLoop(*model.mediaConverter(), status);
 }
 
 int measure(const QString& file, TerminalOutput& terminal)

@@ -551,7 +551,7 @@ private slots:
                  qPrintable(outputs.join(u',')));
         QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
                  QStringLiteral("ondrilet-cli: stopping after the file in hand; press Ctrl-C "
-                                "again to quit at once\n"
+                                "again to quit now\n"
                                 "ondrilet-cli: stopped; %1 of 4 files converted\n")
                      .arg(outputs.size()));
         for (qsizetype i = 0; i < outputs.size(); ++i) {
@@ -565,8 +565,9 @@ private slots:
         }
     }
 
-    // A second Ctrl-C ends the program at once, by the signal; the sources are untouched.
-    void aSecondCtrlCQuitsAtOnce()
+    // A second Ctrl-C quits while the first file is being written: its unfinished output is
+    // removed, and the sources are untouched.
+    void aSecondCtrlCQuitsAndRemovesTheUnfinishedOutput()
     {
         const QStringList names = longTones(3);
         const QByteArray before = Fixtures::sha256(m_work + QStringLiteral("/a.wav"));
@@ -575,13 +576,23 @@ private slots:
                     names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
                                         QStringLiteral("--audio-codec"), QStringLiteral("aac"),
                                         QStringLiteral("--output-dir"), m_out});
-        QVERIFY(waitForOutput(process, QStringLiteral("metadata for: a.wav")));
+        // The first output is on the disk: its writer has it open.
+        QTRY_VERIFY_WITH_TIMEOUT(!filesBelow(m_out).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
                               QProcess::StandardError));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(20000));
-        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 130);
+        QVERIFY(QString::fromUtf8(process.readAllStandardError())
+                    .endsWith(QStringLiteral(
+                        "ondrilet-cli: quitting now; the unfinished output is removed\n")));
+        QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
+                    .endsWith(QStringLiteral("🗑️ Removed unfinished output: a "
+                                             "(AAC_256k_48kHz_LUFS-23).m4a\n")));
+        QCOMPARE(filesBelow(m_out), QStringList());
+        QCOMPARE(filesBelow(m_work), names);
         for (const QString& name : names)
             QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
     }
