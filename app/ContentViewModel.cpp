@@ -735,6 +735,11 @@ void ContentViewModel::stopConversion()
     mediaConverter()->cancelConversion();
 }
 
+bool ContentViewModel::quitNeedsConfirmation()
+{
+    return mediaConverter()->hasRunInProgress();
+}
+
 void ContentViewModel::convertButtonPressed()
 {
     if (isConverting())

@@ -286,6 +286,9 @@ public:
     Q_INVOKABLE void startConversion();
     // The Stop action: prints the request and asks the driver to stop after the file in hand.
     Q_INVOKABLE void stopConversion();
+    // Whether closing the window must ask first: a run is under way, the file in hand after
+    // Stop included, and quitting would abandon it.
+    Q_INVOKABLE bool quitNeedsConfirmation();
     // The one button: Stop while converting, otherwise Convert.
     Q_INVOKABLE void convertButtonPressed();
     // Whether a file of the list would be written over its own source.

@@ -104,6 +104,14 @@ struct WindowTexts
         "permanently replaced.\n\nAre you sure you want to continue?");
     static inline const QString overwriteAlertCancel = QStringLiteral("Cancel");
     static inline const QString overwriteAlertConfirm = QStringLiteral("Overwrite");
+
+    // The question when the window is closed during a conversion.
+    static inline const QString quitWhileConvertingTitle = QStringLiteral("Quit While Converting?");
+    static inline const QString quitWhileConvertingText = QStringLiteral(
+        "A conversion is still running. If you quit now, the file being converted is not "
+        "finished and what was written of it is removed. Files already converted stay.");
+    static inline const QString quitWhileConvertingCancel = QStringLiteral("Keep Converting");
+    static inline const QString quitWhileConvertingConfirm = QStringLiteral("Quit");
 };
 
 } // namespace Ondrilet

@@ -2,12 +2,16 @@
 
 #include "app/ContentViewModel.h"
 #include "app/InstanceChannel.h"
+#include "app/WindowTexts.h"
 #include "app/views/ContentView.h"
 #include "app/views/SymbolIcon.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
 
 namespace Ondrilet {
 
@@ -30,7 +34,8 @@ void MainWindow::buildMenus()
     QAction* quit = m_applicationMenu->addAction(QStringLiteral("Quit"));
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
-    connect(quit, &QAction::triggered, qApp, &QApplication::quit, Qt::QueuedConnection);
+    // Through the window's close, so that a conversion under way is asked about.
+    connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
 
     m_windowMenu = menuBar()->addMenu(QStringLiteral("&Window"));
     QAction* show = m_windowMenu->addAction(QStringLiteral("Show Main Window"));
@@ -63,6 +68,49 @@ void MainWindow::showEvent(QShowEvent* event)
     m_hasAppeared = true;
     m_model->handleFirstAppearance(InstanceChannel::takePendingFiles());
     emit firstAppearance();
+}
+
+QMessageBox* MainWindow::quitQuestionBox() const
+{
+    return m_quitQuestion.data();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_quitConfirmed || !m_model->quitNeedsConfirmation()) {
+        QMainWindow::closeEvent(event);
+        return;
+    }
+    event->ignore();
+    askBeforeQuitting();
+}
+
+void MainWindow::askBeforeQuitting()
+{
+    if (m_quitQuestion) {
+        m_quitQuestion->raise();
+        return;
+    }
+    auto* box = new QMessageBox(this);
+    box->setObjectName(QStringLiteral("quitQuestion"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::WindowModal);
+    box->setIcon(QMessageBox::Warning);
+    box->setWindowTitle(WindowTexts::quitWhileConvertingTitle);
+    box->setText(WindowTexts::quitWhileConvertingTitle);
+    box->setInformativeText(WindowTexts::quitWhileConvertingText);
+    QPushButton* keep =
+        box->addButton(WindowTexts::quitWhileConvertingCancel, QMessageBox::RejectRole);
+    QPushButton* quit =
+        box->addButton(WindowTexts::quitWhileConvertingConfirm, QMessageBox::DestructiveRole);
+    box->setDefaultButton(keep);
+    box->setEscapeButton(keep);
+    connect(quit, &QPushButton::clicked, this, [this] {
+        m_quitConfirmed = true;
+        close();
+    });
+    m_quitQuestion = box;
+    box->open();
 }
 
 } // namespace Ondrilet

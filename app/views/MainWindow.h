@@ -1,11 +1,14 @@
 // The main window of Ondrilet: the frame around ContentView with the menus, opening at
 // 1280 × 800. Its first appearance starts the model's first-appearance steps with the files that
-// arrived before it. GUI thread only.
+// arrived before it. Closing it quits the program (Quit in the menu closes it too); during a
+// conversion it asks first. GUI thread only.
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 
 class QMenu;
+class QMessageBox;
 
 namespace Ondrilet {
 
@@ -32,14 +35,19 @@ public:
     // Shows the window in front of the others, restored if it was minimised.
     void bringToFront();
 
+    // The question asked when the window is closed during a conversion, while it is shown.
+    QMessageBox* quitQuestionBox() const;
+
 signals:
     void firstAppearance();
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void buildMenus();
+    void askBeforeQuitting();
 
     ContentViewModel* m_model = nullptr;
     ContentView* m_contentView = nullptr;
@@ -47,6 +55,8 @@ private:
     QMenu* m_windowMenu = nullptr;
     QMenu* m_helpMenu = nullptr;
     bool m_hasAppeared = false;
+    QPointer<QMessageBox> m_quitQuestion;
+    bool m_quitConfirmed = false;
 };
 
 } // namespace Ondrilet

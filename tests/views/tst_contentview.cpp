@@ -148,6 +148,7 @@ private slots:
     void convertIsDisabledWithAnEmptyList();
     void overwriteQuestionCancelsOrOverwrites();
     void progressAreaFollowsARealConversion();
+    void closingDuringAConversionAsksFirst();
     void nothingNeedsSidewaysScrolling();
     void screenshots();
 
@@ -651,6 +652,66 @@ void ContentViewTest::progressAreaFollowsARealConversion()
                                      QDir(outputFolder).entryList().join(QLatin1Char(','))));
     QCOMPARE(probe.formatName, QStringLiteral("aiff"));
     QVERIFY(qAbs(probe.durationSeconds - 2.0) < 0.01);
+}
+
+void ContentViewTest::closingDuringAConversionAsksFirst()
+{
+    const QString input =
+        tone(m_dir.filePath(QStringLiteral("closing/in")), QStringLiteral("long.wav"), 30.0);
+    QVERIFY(!input.isEmpty());
+    const QString outputFolder = m_dir.filePath(QStringLiteral("closing/out"));
+    QDir().mkpath(outputFolder);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    Window w;
+    pickFormat(w, QStringLiteral("Audio (M4A)"));
+    w.model.setCreateSubfolders(false);
+    w.model.setUseSourceDirectory(false);
+    w.model.outputDirectoryModel()->useDirectory(outputFolder);
+    w.model.addFiles({input});
+    // Nothing to ask about before a run.
+    QVERIFY(!w.model.quitNeedsConfirmation());
+
+    MediaConverter* converter = w.model.mediaConverter();
+    QTest::mouseClick(w.view()->convertButton(), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(converter->hasRunInProgress(), 20000);
+    QVERIFY(!w.window.close());
+    QMessageBox* box = w.window.quitQuestionBox();
+    QVERIFY(box != nullptr);
+    QCOMPARE(box->text(), QStringLiteral("Quit While Converting?"));
+    QCOMPARE(box->informativeText(),
+             QStringLiteral("A conversion is still running. If you quit now, the file being "
+                            "converted is not finished and what was written of it is removed. "
+                            "Files already converted stay."));
+    QCOMPARE(box->defaultButton()->text(), QStringLiteral("Keep Converting"));
+    QPushButton* quit = nullptr;
+    for (QAbstractButton* button : box->buttons()) {
+        if (button->text() == QStringLiteral("Quit"))
+            quit = qobject_cast<QPushButton*>(button);
+    }
+    QVERIFY(quit != nullptr);
+    // A second close while the question is up asks nothing new.
+    QVERIFY(!w.window.close());
+    QCOMPARE(w.window.quitQuestionBox(), box);
+
+    QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
+    QTRY_VERIFY(w.window.quitQuestionBox() == nullptr);
+    QVERIFY(w.window.isVisible());
+    QVERIFY(converter->hasRunInProgress());
+
+    QVERIFY(!w.window.close());
+    QTRY_VERIFY(w.window.quitQuestionBox() != nullptr);
+    for (QAbstractButton* button : w.window.quitQuestionBox()->buttons()) {
+        if (button->text() == QStringLiteral("Quit"))
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QTRY_VERIFY(!w.window.isVisible());
+
+    // The run here goes on, as nothing ended the program; once it is over, closing asks
+    // nothing.
+    QTRY_VERIFY_WITH_TIMEOUT(!converter->hasRunInProgress(), 60000);
+    QVERIFY(!w.model.quitNeedsConfirmation());
+    QApplication::setQuitOnLastWindowClosed(true);
 }
 
 void ContentViewTest::nothingNeedsSidewaysScrolling()
