@@ -3,11 +3,14 @@
 #include "platform/media/internal/AssetState.h"
 
 #include <QCoro/QCoroFuture>
+#include <QDateTime>
 #include <QtConcurrent/QtConcurrentRun>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 }
+
+#include <algorithm>
 
 namespace platform {
 
@@ -72,6 +75,52 @@ QFuture<void> Asset::probeInBackground(const std::shared_ptr<internal::AssetStat
     if (state->isProbed())
         return QtFuture::makeReadyFuture();
     return QtConcurrent::run([state] { state->probe(); });
+}
+
+std::vector<MetadataItem> Asset::metadata() const
+{
+    std::vector<MetadataItem> items;
+    for (const auto& [key, text] : m_state->info().tags)
+        items.push_back(MetadataItem{key, MetadataItem::commonKeyFor(key), text});
+    return items;
+}
+
+std::optional<QVariant> Asset::creationDate() const
+{
+    const std::vector<std::pair<QString, QString>>& tags = m_state->info().tags;
+    for (const char* name : {"creation_time", "date"}) {
+        const auto tag = std::find_if(tags.begin(), tags.end(), [name](const auto& entry) {
+            return entry.first.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+        });
+        if (tag == tags.end())
+            continue;
+        const QString text = tag->second.trimmed();
+        QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
+        if (!date.isValid() && text.size() == 10)
+            date = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0), Qt::UTC);
+        if (date.isValid())
+            return QVariant(date);
+        return QVariant(tag->second);
+    }
+    return std::nullopt;
+}
+
+QCoro::Task<std::vector<MetadataItem>> Asset::loadMetadata() const
+{
+    const Asset self = *this;
+    // Named, not a temporary: the future must outlive the suspension.
+    QFuture<void> probed = probeInBackground(self.m_state);
+    co_await probed;
+    co_return self.metadata();
+}
+
+QCoro::Task<std::optional<QVariant>> Asset::loadCreationDate() const
+{
+    const Asset self = *this;
+    // Named, not a temporary: the future must outlive the suspension.
+    QFuture<void> probed = probeInBackground(self.m_state);
+    co_await probed;
+    co_return self.creationDate();
 }
 
 QCoro::Task<bool> Asset::loadIsReadable() const

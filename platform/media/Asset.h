@@ -1,4 +1,4 @@
-// A media file opened for reading: whether it can be read, its duration and its tracks. The
+// A media file opened for reading: whether it can be read, its duration, tracks and tags. The
 // loads are awaitable on the main thread (the first one probes the file on a worker thread,
 // later ones reuse what it found); the plain accessors serve worker threads and may block
 // for the probe. Copies share one probe.
@@ -7,12 +7,14 @@
 #include "platform/media/AssetTrack.h"
 #include "platform/media/MediaTime.h"
 #include "platform/media/MediaType.h"
+#include "platform/media/MetadataItem.h"
 
 #include <QCoro/QCoroTask>
 #include <QFuture>
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace platform {
@@ -40,7 +42,16 @@ public:
     // Throws the probe's MediaError, if the probe failed.
     void probe() const;
 
+    // The file's tags in order. Throws the probe's MediaError.
+    std::vector<MetadataItem> metadata() const;
+    // The file's creation date: absent when the file names none (no "creation_time" or "date"
+    // tag), a QDateTime when the text reads as a date (ISO 8601, at least year, month and day;
+    // a date alone is midnight UTC), the text itself otherwise. Throws the probe's MediaError.
+    std::optional<QVariant> creationDate() const;
+
     QCoro::Task<bool> loadIsReadable() const;
+    QCoro::Task<std::vector<MetadataItem>> loadMetadata() const;
+    QCoro::Task<std::optional<QVariant>> loadCreationDate() const;
     QCoro::Task<MediaTime> loadDuration() const;
     QCoro::Task<std::vector<AssetTrack>> loadTracks(MediaType mediaType) const;
 

@@ -6,6 +6,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
 }
 
 #include <algorithm>
@@ -107,6 +108,29 @@ MediaTime durationOf(const AVFormatContext& format)
     return longest > 0 ? MediaTime::make(longest, AV_TIME_BASE) : MediaTime::invalid();
 }
 
+void appendTags(const AVDictionary* dictionary, std::vector<std::pair<QString, QString>>& tags)
+{
+    const AVDictionaryEntry* entry = nullptr;
+    while ((entry = av_dict_get(dictionary, "", entry, AV_DICT_IGNORE_SUFFIX)))
+        tags.emplace_back(QString::fromUtf8(entry->key), QString::fromUtf8(entry->value));
+}
+
+std::vector<std::pair<QString, QString>> tagsOf(const AVFormatContext& format)
+{
+    std::vector<std::pair<QString, QString>> tags;
+    appendTags(format.metadata, tags);
+    if (!tags.empty())
+        return tags;
+    for (unsigned i = 0; i < format.nb_streams; ++i) {
+        const AVStream& stream = *format.streams[i];
+        if (stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
+            appendTags(stream.metadata, tags);
+            break;
+        }
+    }
+    return tags;
+}
+
 } // namespace
 
 ProbeInfo probeFile(const QString& path)
@@ -116,6 +140,7 @@ ProbeInfo probeFile(const QString& path)
     ProbeInfo info;
     info.duration = durationOf(format);
     info.containerName = QString::fromUtf8(format.iformat->name);
+    info.tags = tagsOf(format);
     const bool isQuickTimeFamily = info.containerName.startsWith(QStringLiteral("mov,"));
     for (unsigned i = 0; i < format.nb_streams; ++i) {
         const AVStream& stream = *format.streams[i];

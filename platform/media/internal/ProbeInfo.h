@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <utility>
 #include <vector>
 
 namespace platform::internal {
@@ -28,6 +29,9 @@ struct ProbeInfo
     QString containerName;
     // Audio and video tracks in stream order; cover pictures and other streams are not tracks.
     std::vector<TrackInfo> tracks;
+    // The file's tags as key and text, in the container's order; a container without tags of
+    // its own gives those of its first audio track (Ogg keeps its comments there).
+    std::vector<std::pair<QString, QString>> tags;
 };
 
 // Opens `path`, reads its headers and describes it. Throws MediaError as InputFile does.
