@@ -4,6 +4,7 @@
 #include "app/FileListModel.h"
 #include "app/FileListRules.h"
 #include "app/PendingMetadataStore.h"
+#include "app/SourceMetadataReader.h"
 #include "app/WholeNumber.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/FileSystemError.h"
@@ -109,6 +110,7 @@ MetadataEditorModel::MetadataEditorModel(FileListModel* files, QObject* parent)
     : QObject(parent)
     , m_files(files)
     , m_clock([] { return QDateTime::currentDateTime(); })
+    , m_loader(&SourceMetadataReader::read)
     , m_customCreationDate(QDateTime::currentDateTime())
 {}
 
@@ -271,6 +273,7 @@ QCoro::Task<> MetadataEditorModel::readMetadataTask(QString path)
         // The format label stays as the last successful read left it.
         setCurrentFileMetadata({});
         populateMetadataFields();
+        emit metadataReadFinished();
         co_return;
     }
     const QString format = FileListRules::detectFormat(path);
@@ -280,6 +283,7 @@ QCoro::Task<> MetadataEditorModel::readMetadataTask(QString path)
     Console::print(QStringLiteral("Successfully read metadata: ") +
                    metadata.keys().join(QStringLiteral(", ")));
     Console::print(QStringLiteral("Detected format: ") + format);
+    emit metadataReadFinished();
 }
 
 void MetadataEditorModel::populateMetadataFields()

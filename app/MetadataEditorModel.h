@@ -68,7 +68,8 @@ public:
     // What "now" is; tests fix it. The custom date keeps the time of construction.
     void setClock(Clock clock);
     QDateTime now() const;
-    // Without a loader every file reads as one without tags.
+    // SourceMetadataReader::read unless another is set; without one every file reads as one
+    // without tags.
     void setMetadataLoader(MetadataLoader loader);
 
     bool isMetadataEditorExpanded() const { return m_expanded; }
@@ -156,6 +157,8 @@ signals:
     void summaryChanged();
     // A storing task has stored its last entry.
     void metadataStored(qsizetype fileCount);
+    // A read started by readMetadata has ended, with the fields filled or cleared.
+    void metadataReadFinished();
 
 private:
     QCoro::Task<> readMetadataTask(QString path);

@@ -4,9 +4,11 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/UserDefaults.h"
 #include "platform/media/MediaError.h"
+#include "tests/support/Fixtures.h"
 
 #include <QCborValue>
 #include <QCoreApplication>
+#include <QFile>
 #include <QLocale>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -18,6 +20,7 @@
 using namespace Ondrilet;
 using platform::Console;
 using platform::UserDefaults;
+using testsupport::Fixtures;
 
 namespace {
 
@@ -48,6 +51,17 @@ private:
     std::unique_ptr<MetadataEditorModel> m_editor;
 
     MetadataEditorModel& editor() { return *m_editor; }
+
+    // A half-second tone made by ffmpeg with `arguments`, without the tags ffmpeg adds itself.
+    QString tone(const QString& name, QStringList arguments)
+    {
+        arguments << "-fflags"
+                  << "+bitexact";
+        const QString path = Fixtures::makeTone(m_directory.path(), name, 0.5, 44100, 1, arguments);
+        if (path.isEmpty())
+            qWarning("%s", qPrintable(Fixtures::lastError()));
+        return path;
+    }
 
 private slots:
     void initTestCase()
@@ -260,10 +274,76 @@ private slots:
                               "Detected format: QuickTime Video"}));
     }
 
+    // The real reader: tags under their common keys, so only the title and the artist reach
+    // fields of the same names; the creation date is kept as a date.
+    void aTaggedFileFillsTitleAndArtist()
+    {
+        const QString tagged = tone(
+            "tagged.m4a", {"-c:a", "aac", "-metadata", "title=42", "-metadata", "artist=Someone",
+                           "-metadata", "album=Harbour", "-metadata", "genre=Jazz", "-metadata",
+                           "comment=Hi", "-metadata", "creation_time=2010-07-01T08:30:00Z"});
+        QVERIFY(!tagged.isEmpty());
+        Console::Recorder recorder;
+        editor().readMetadata(tagged);
+        QTRY_COMPARE(editor().metadataTitle(), QStringLiteral("42"));
+        QCOMPARE(editor().metadataArtist(), QStringLiteral("Someone"));
+        QCOMPARE(editor().metadataAlbum(), QString());
+        QCOMPARE(editor().metadataGenre(), QString());
+        QCOMPARE(editor().metadataComments(), QString());
+        const QVariantMap read = editor().currentFileMetadata();
+        QCOMPARE(read.value("albumName"), QVariant(QStringLiteral("Harbour")));
+        QCOMPARE(read.value("subject"), QVariant(QStringLiteral("Jazz")));
+        QCOMPARE(read.value("description"), QVariant(QStringLiteral("Hi")));
+        QCOMPARE(read.value("creationDate"), QVariant(sourceDate));
+        QCOMPARE(editor().detectedFileFormat(), QStringLiteral("M4A Audio"));
+        QCOMPARE(recorder.lines().mid(0, 2),
+                 (QStringList{"Reading metadata from: tagged.m4a",
+                              "✅ Found asset creation date: 2010-07-01T08:30:00Z"}));
+        QCOMPARE(recorder.lines().last(), QStringLiteral("Detected format: M4A Audio"));
+
+        // Keeping the original date now means the source's date.
+        editor().setMetadataKeepOriginalDate(true);
+        QCOMPARE(editor().chosenCreationDate(), sourceDate);
+        QVERIFY(editor().creationDateText().endsWith(QStringLiteral(" (original)")));
+    }
+
+    void aFileWithoutADateSaysSo()
+    {
+        const QString plain = tone("plain.wav", {"-c:a", "pcm_s16le", "-metadata", "title=Plain"});
+        QVERIFY(!plain.isEmpty());
+        Console::Recorder recorder;
+        editor().readMetadata(plain);
+        QTRY_COMPARE(editor().metadataTitle(), QStringLiteral("Plain"));
+        QVERIFY(recorder.lines().contains(QStringLiteral("⚠️ No asset creation date found")));
+        QVERIFY(!editor().currentFileMetadata().contains("creationDate"));
+        editor().setMetadataKeepOriginalDate(true);
+        QCOMPARE(editor().chosenCreationDate(), fixedNow);
+    }
+
+    void aFileThatIsNotMediaClearsTheFields()
+    {
+        QFile notMedia(m_directory.filePath("notes.wav"));
+        QVERIFY(notMedia.open(QIODevice::WriteOnly));
+        notMedia.write("hello\n");
+        notMedia.close();
+        editor().setCurrentFileMetadata({{"title", QStringLiteral("Old")}});
+        editor().populateMetadataFields();
+        Console::Recorder recorder;
+        editor().readMetadata(notMedia.fileName());
+        QTRY_COMPARE(editor().metadataTitle(), QString());
+        QCOMPARE(editor().currentFileMetadata(), QVariantMap());
+        QCOMPARE(recorder.lines().size(), 2);
+        QVERIFY2(recorder.lines().at(1).startsWith(
+                     QStringLiteral("Error reading metadata from notes.wav: ")),
+                 qPrintable(recorder.lines().at(1)));
+    }
+
     void aFileWithoutTagsEmptiesTheFields()
     {
+        const QString track = tone("TRACK.M4A", {"-c:a", "aac", "-f", "ipod"});
+        QVERIFY(!track.isEmpty());
         editor().setMetadataTitle("Typed");
-        editor().readMetadata("/in/TRACK.M4A");
+        editor().readMetadata(track);
         QTRY_COMPARE(editor().detectedFileFormat(), QStringLiteral("M4A Audio"));
         QCOMPARE(editor().metadataTitle(), QString());
         QCOMPARE(editor().currentFileMetadata(), QVariantMap());
@@ -271,7 +351,9 @@ private slots:
 
     void aFailedReadClearsTheFieldsAndKeepsTheFormat()
     {
-        editor().readMetadata("/in/first.wav");
+        const QString first = tone("first.wav", {"-c:a", "pcm_s16le"});
+        QVERIFY(!first.isEmpty());
+        editor().readMetadata(first);
         QTRY_COMPARE(editor().detectedFileFormat(), QStringLiteral("WAV Audio"));
         editor().setMetadataLoader([](QString) -> QCoro::Task<QVariantMap> {
             throw platform::MediaError("AVFoundationErrorDomain", -11828,
