@@ -106,8 +106,8 @@ QList<CliOption> makeTable()
         option("--album-artist", "TEXT", "", "Album artist tag.", Group::metadata),
         option("--comments", "TEXT", "", "Comments tag.", Group::metadata),
         option("--keep-original-date", "", "",
-               "Give the outputs the original creation date of the first file (it wins over "
-               "--date).",
+               "Give the outputs the creation date read from the first file's tags, or the "
+               "current time when it has none (it wins over --date).",
                Group::metadata),
         option("--date", "ISO8601", "",
                "Give the outputs this creation date, as 2024-05-01 or 2024-05-01T10:30:00.",

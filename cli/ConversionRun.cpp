@@ -44,6 +44,13 @@ ConversionRun::ConversionRun(ContentViewModel* model, TerminalOutput* terminal, 
 void ConversionRun::start(const CliRequest& request)
 {
     m_request = request;
+    // Adding the files starts a read of the first one's tags, which fills the editor's fields
+    // when it ends; the settings come after it, as a user's typing does.
+    m_readCounting = connect(m_model->metadataEditor(), &MetadataEditorModel::metadataReadFinished,
+                             this, [this] {
+                                 disconnect(m_readCounting);
+                                 later(this, &ConversionRun::chooseSettings);
+                             });
     try {
         if (!openWithFiles(request))
             return;
@@ -51,9 +58,6 @@ void ConversionRun::start(const CliRequest& request)
         finishWithUsageError(error.message());
         return;
     }
-    // The first file's metadata is read on a later turn and fills the editor's fields; the
-    // settings come after it, as a user's typing does.
-    later(this, &ConversionRun::chooseSettings);
 }
 
 bool ConversionRun::openWithFiles(const CliRequest& request)

@@ -1,11 +1,10 @@
 // One conversion from the command line, driven through the main window's model as a user would
 // drive the window: the window opens (first preset applied), the files arrive as from the file
-// manager and the first one's metadata is read, the preset and the settings are chosen, the
-// edits the date switches store are stored, Convert is pressed and the overwrite question is
-// answered. It ends with the exit status: 0 when every file converted, 1 with the alert's text
-// on standard error, 2 for a preset that does not exist or an output directory that is not one,
-// 130 when an interrupt stopped it before every file was converted.
-// Main thread only.
+// manager and the first one's metadata is read (waited for), the preset and the settings are
+// chosen, the edits the date switches store are stored, Convert is pressed and the overwrite
+// question is answered. It ends with the exit status: 0 when every file converted, 1 with the
+// alert's text on standard error, 2 for a preset that does not exist or an output directory that is
+// not one, 130 when an interrupt stopped it before every file was converted. Main thread only.
 #pragma once
 
 #include "app/AnyPreset.h"
@@ -75,6 +74,8 @@ private:
     // Stores the date switches have started and not finished; Convert waits for them.
     int m_pendingMetadataStores = 0;
     QList<QMetaObject::Connection> m_storeCounting;
+    // Waits for the read of the first file's tags.
+    QMetaObject::Connection m_readCounting;
     bool m_pressed = false;
     bool m_converting = false;
     bool m_stopping = false;

@@ -435,6 +435,33 @@ private slots:
                  QDateTime(QDate(2021, 3, 4), QTime(12, 0)));
     }
 
+    // The source's own creation date, read from its tags, names the output.
+    void keepOriginalDateNamesTheOutputWithTheSourcesDate()
+    {
+        QVERIFY(Fixtures::runFfmpeg(
+            {QStringLiteral("-i"), m_work + QStringLiteral("/a.wav"), QStringLiteral("-c:a"),
+             QStringLiteral("aac"), QStringLiteral("-metadata"),
+             QStringLiteral("creation_time=2010-07-01T08:30:00Z"), QStringLiteral("-metadata"),
+             QStringLiteral("title=Harbour"), m_work + QStringLiteral("/clip.m4a")}));
+        const Result result =
+            run({QStringLiteral("clip.m4a"), QStringLiteral("--format"), QStringLiteral("wav"),
+                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
+                 QStringLiteral("--keep-original-date"), QStringLiteral("--date-in-name"),
+                 QStringLiteral("--output-dir"), m_out});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.out.contains(
+            QStringLiteral("✅ Found asset creation date: 2010-07-01T08:30:00Z\n")));
+        QCOMPARE(filesBelow(m_out), QStringList{QStringLiteral("clip_2010-07-01.wav")});
+        // The title read from the file is among the edits stored for it.
+        platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        const std::optional<QCborMap> stored =
+            PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/clip.m4a"));
+        QVERIFY(stored);
+        QCOMPARE(stored->value(PendingMetadataStore::titleKey).toString(),
+                 QStringLiteral("Harbour"));
+    }
+
     void besideTheSourceAndTwoFiles()
     {
         copyTone(m_work, QStringLiteral("b.wav"));
