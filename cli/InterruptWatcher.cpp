@@ -50,9 +50,9 @@ InterruptWatcher::~InterruptWatcher()
     if (m_readEnd < 0)
         return;
     setDisposition(SIG_DFL);
-    const int write = writeEnd;
+    const int writeDescriptor = writeEnd;
     writeEnd = -1;
-    close(write);
+    close(writeDescriptor);
     close(m_readEnd);
 }
 

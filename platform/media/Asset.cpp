@@ -95,9 +95,10 @@ std::optional<QVariant> Asset::creationDate() const
         if (tag == tags.end())
             continue;
         const QString text = tag->second.trimmed();
-        QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
-        if (!date.isValid() && text.size() == 10)
-            date = QDateTime(QDate::fromString(text, Qt::ISODate), QTime(0, 0), Qt::UTC);
+        // A day alone is midnight UTC, wherever the program runs.
+        const QDateTime date = text.size() == 10 ? QDateTime(QDate::fromString(text, Qt::ISODate),
+                                                             QTime(0, 0), Qt::UTC)
+                                                 : QDateTime::fromString(text, Qt::ISODateWithMs);
         if (date.isValid())
             return QVariant(date);
         return QVariant(tag->second);
