@@ -14,7 +14,6 @@
 #include <QCborMap>
 #include <QCoro/QCoroTask>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -59,18 +58,6 @@ const QString overwriteRefusal = QStringLiteral(
 QString usageFailure(const QString& message)
 {
     return QStringLiteral("ondrilet-cli: ") + message + QLatin1Char('\n') + HelpText::usage();
-}
-
-// Every file below `directory`, hidden ones too, relative and sorted.
-QStringList filesBelow(const QString& directory)
-{
-    QStringList files;
-    QDirIterator it(directory, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext())
-        files.append(QDir(directory).relativeFilePath(it.next()));
-    files.sort();
-    return files;
 }
 
 } // namespace
@@ -191,7 +178,7 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, HelpText::help());
         QCOMPARE(result.err, QString());
-        QCOMPARE(filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
     }
 
     void usageErrors_data()
@@ -232,7 +219,7 @@ private slots:
         QCOMPARE(result.err, usageFailure(message));
         // Refused before the window opened: not one console line.
         QCOMPARE(result.out, QString());
-        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
     }
 
     void listPresets()
@@ -259,7 +246,7 @@ private slots:
                                 "ondrilet-cli: nothing was converted; give audio and video files "
                                 "only\n"));
         QCOMPARE(result.out, QString());
-        QCOMPARE(filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
 
         QVERIFY(
             QFile::copy(m_work + QStringLiteral("/notes.txt"), m_work + QStringLiteral("/README")));
@@ -283,7 +270,7 @@ private slots:
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
-        QCOMPARE(filesBelow(m_out), QStringList{output});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
         const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
@@ -313,7 +300,7 @@ private slots:
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("a (AAC_256k_44.1kHz).m4a");
-        QCOMPARE(filesBelow(m_out), QStringList{output});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
         const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, 44100);
@@ -338,7 +325,7 @@ private slots:
                                 "format settings\n\nTry using different conversion settings or "
                                 "check the input file.\n"));
         QVERIFY(result.out.contains(QStringLiteral("   Output format: audio(wav)")));
-        QCOMPARE(filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
     }
 
     void codecCheckRunsAfterFormat()
@@ -353,7 +340,7 @@ private slots:
         // ALAC 24/96, then AAC by hand, then WAV: the check makes it PCM; the preset has no
         // depth, so 16 bit stands; its 96 kHz stays.
         const QString output = QStringLiteral("a (PCM_96kHz_16bit).wav");
-        QCOMPARE(filesBelow(m_out), QStringList{output});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
         const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
         QCOMPARE(probe.sampleRate, 96000);
@@ -387,7 +374,7 @@ private slots:
             level);
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(filesBelow(m_out), QStringList{output});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
     }
 
     void peakTargetIsMet()
@@ -417,7 +404,7 @@ private slots:
                  QStringLiteral("--output-dir"), m_out});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(filesBelow(m_out), QStringList{QStringLiteral("a_2021-03-04.m4a")});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{QStringLiteral("a_2021-03-04.m4a")});
         QVERIFY(
             result.out.contains(QStringLiteral("🔄 Auto-applying metadata changes to 1 files:")));
         QVERIFY(result.out.contains(QStringLiteral("🔄 Auto-applying metadata for conversion:")));
@@ -452,7 +439,7 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(
             QStringLiteral("✅ Found asset creation date: 2010-07-01T08:30:00Z\n")));
-        QCOMPARE(filesBelow(m_out), QStringList{QStringLiteral("clip_2010-07-01.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{QStringLiteral("clip_2010-07-01.wav")});
         // The title read from the file is among the edits stored for it.
         platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
         const std::optional<QCborMap> stored =
@@ -476,7 +463,7 @@ private slots:
         // file named twice on one command line is converted twice, into the same output.
         QVERIFY(result.out.contains(
             QStringLiteral("   Selected files: [\"a.wav\", \"b.wav\", \"a.wav\"]")));
-        QCOMPARE(filesBelow(m_work),
+        QCOMPARE(Fixtures::filesBelow(m_work),
                  (QStringList{QStringLiteral("Audio/m4a/a (AAC_128k_44.1kHz).m4a"),
                               QStringLiteral("Audio/m4a/b (AAC_128k_44.1kHz).m4a"),
                               QStringLiteral("a.wav"), QStringLiteral("b.wav")}));
@@ -498,13 +485,13 @@ private slots:
         QCOMPARE(result.err, overwriteRefusal);
         QVERIFY(result.out.contains(QStringLiteral("🚀 Starting conversion:")));
         QCOMPARE(Fixtures::sha256(source), before);
-        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
 
         result = run(arguments + QStringList{QStringLiteral("--yes")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.wav")));
-        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
         const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
@@ -521,7 +508,7 @@ private slots:
                  QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
         QCOMPARE(Fixtures::probeAudio(m_work + QStringLiteral("/a.wav")).codecName,
                  QStringLiteral("pcm_s24le"));
     }
@@ -573,7 +560,7 @@ private slots:
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 130);
 
-        const QStringList outputs = filesBelow(m_out);
+        const QStringList outputs = Fixtures::filesBelow(m_out);
         QVERIFY2(outputs.size() >= 2 && outputs.size() < names.size(),
                  qPrintable(outputs.join(u',')));
         QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
@@ -604,7 +591,7 @@ private slots:
                                         QStringLiteral("--audio-codec"), QStringLiteral("aac"),
                                         QStringLiteral("--output-dir"), m_out});
         // The first output is on the disk: its writer has it open.
-        QTRY_VERIFY_WITH_TIMEOUT(!filesBelow(m_out).isEmpty(), 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
                               QProcess::StandardError));
@@ -618,8 +605,8 @@ private slots:
         QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
                     .endsWith(QStringLiteral("🗑️ Removed unfinished output: a "
                                              "(AAC_256k_48kHz_LUFS-23).m4a\n")));
-        QCOMPARE(filesBelow(m_out), QStringList());
-        QCOMPARE(filesBelow(m_work), names);
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_work), names);
         for (const QString& name : names)
             QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
     }

@@ -12,7 +12,6 @@
 #include "tests/support/Fixtures.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -21,22 +20,6 @@
 
 using namespace Ondrilet;
 using testsupport::Fixtures;
-
-namespace {
-
-// Every file below `directory`, hidden ones too, relative and sorted.
-QStringList filesBelow(const QString& directory)
-{
-    QStringList files;
-    QDirIterator it(directory, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext())
-        files.append(QDir(directory).relativeFilePath(it.next()));
-    files.sort();
-    return files;
-}
-
-} // namespace
 
 class TestConversionRun : public QObject
 {
@@ -113,7 +96,7 @@ private slots:
             [](ConversionRun& conversion, ContentViewModel&) { conversion.interrupt(); },
             [](ConversionRun&, ContentViewModel&) { QFAIL("a conversion began"); });
         QCOMPARE(status, ConversionRun::exitInterrupted);
-        QCOMPARE(filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
         QCOMPARE(Fixtures::sha256(a), before);
     }
 
@@ -140,8 +123,9 @@ private slots:
         QCOMPARE(status, ConversionRun::exitInterrupted);
         // The file in hand replaced its original; the others were not begun. No hidden
         // temporary or backup file stays behind.
-        QCOMPARE(filesBelow(m_work), (QStringList{QStringLiteral("a.wav"), QStringLiteral("b.wav"),
-                                                  QStringLiteral("c.wav")}));
+        QCOMPARE(Fixtures::filesBelow(m_work),
+                 (QStringList{QStringLiteral("a.wav"), QStringLiteral("b.wav"),
+                              QStringLiteral("c.wav")}));
         const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(a);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
@@ -179,7 +163,8 @@ private slots:
             });
         QVERIFY(interrupted);
         QCOMPARE(status, ConversionRun::exitInterrupted);
-        QCOMPARE(filesBelow(m_work + QStringLiteral("/out")), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_work + QStringLiteral("/out")),
+                 QStringList{QStringLiteral("a.wav")});
     }
 
     void anInterruptDuringTheLastFileKeepsTheSuccess()
@@ -195,7 +180,7 @@ private slots:
                 model.mediaConverter()->enhancedProgressTracker()->heartbeatTimerFired();
             });
         QCOMPARE(status, ConversionRun::exitConverted);
-        QCOMPARE(filesBelow(m_work).size(), 2);
+        QCOMPARE(Fixtures::filesBelow(m_work).size(), 2);
     }
 };
 

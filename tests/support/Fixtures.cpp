@@ -2,6 +2,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -153,6 +154,17 @@ DecodedAudio Fixtures::decode(const QString& path)
     result.samples.resize(static_cast<std::size_t>(output.size()) / sizeof(float));
     std::memcpy(result.samples.data(), output.constData(), result.samples.size() * sizeof(float));
     return result;
+}
+
+QStringList Fixtures::filesBelow(const QString& directory)
+{
+    QStringList files;
+    QDirIterator it(directory, QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.append(QDir(directory).relativeFilePath(it.next()));
+    files.sort();
+    return files;
 }
 
 QByteArray Fixtures::sha256(const QString& path)

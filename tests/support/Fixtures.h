@@ -61,6 +61,9 @@ public:
     // The first audio stream decoded to interleaved float at its own rate and channel count.
     static DecodedAudio decode(const QString& path);
 
+    // Every file below `directory`, hidden ones too, as paths relative to it, sorted.
+    static QStringList filesBelow(const QString& directory);
+
     // SHA-256 of the file's bytes as lower-case hex; empty when it cannot be read.
     static QByteArray sha256(const QString& path);
 
