@@ -190,7 +190,7 @@ void ConversionRun::interrupt()
                             });
 }
 
-void ConversionRun::interruptAgain()
+void ConversionRun::quitNow(int exitStatus)
 {
     if (m_finished)
         return;
@@ -198,7 +198,7 @@ void ConversionRun::interruptAgain()
         m_progress->stop();
     m_terminal->writeError(
         QStringLiteral("ondrilet-cli: quitting now; the unfinished output is removed"));
-    finish(exitInterrupted);
+    finish(exitStatus);
 }
 
 void ConversionRun::pressStop()

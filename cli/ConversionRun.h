@@ -46,9 +46,9 @@ public:
     // are converting it presses Stop, so the file in hand is finished and the run ends before
     // the next one. A run that ends otherwise meanwhile keeps its own exit status.
     void interrupt();
-    // A second Ctrl-C: the run ends now, abandoning the file in hand, whose unfinished output
-    // the program removes as it ends.
-    void interruptAgain();
+    // A second Ctrl-C, or the program told to end: the run ends now with `exitStatus`,
+    // abandoning the file in hand, whose unfinished output the program removes as it ends.
+    void quitNow(int exitStatus);
 
 signals:
     void finished(int exitStatus);

@@ -118,6 +118,11 @@ QString HelpText::help()
                                    "file's unfinished output"),
                     7, 7) +
             QLatin1Char('\n');
+    text += QStringLiteral("  143  ") +
+            wrapped(QStringLiteral("told to end (129 when the terminal closed): quits at once and "
+                                   "removes the unfinished output"),
+                    7, 7) +
+            QLatin1Char('\n');
     return text;
 }
 

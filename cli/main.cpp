@@ -7,17 +7,19 @@
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/HelpText.h"
-#include "cli/InterruptWatcher.h"
 #include "cli/MeasureCommand.h"
 #include "cli/PresetListing.h"
 #include "cli/TerminalOutput.h"
 #include "cli/UsageError.h"
+#include "platform/foundation/SignalWatcher.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
 #include <QDir>
 #include <QLoggingCategory>
 #include <QTimer>
+
+#include <csignal>
 
 namespace {
 
@@ -29,10 +31,20 @@ int convert(const CliRequest& request, TerminalOutput& terminal)
     AppMemoryManager appMemoryManager;
     ContentViewModel model(&presetStore);
     ConversionRun run(&model, &terminal);
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::interrupted, &run, &ConversionRun::interrupt);
-    QObject::connect(&interrupts, &InterruptWatcher::interruptedAgain, &run,
-                     &ConversionRun::interruptAgain);
+    // Ctrl-C stops after the file in hand, a second one quits now; being told to end (the
+    // terminal closed, or a plain kill) quits now. Quitting now removes the unfinished output.
+    platform::SignalWatcher interrupts(SIGINT, 2);
+    QObject::connect(&interrupts, &platform::SignalWatcher::received, &run, [&run](int count) {
+        if (count == 1)
+            run.interrupt();
+        else
+            run.quitNow(ConversionRun::exitInterrupted);
+    });
+    platform::SignalWatcher terminations(SIGTERM, 1);
+    platform::SignalWatcher hangUps(SIGHUP, 1);
+    for (const platform::SignalWatcher* watcher : {&terminations, &hangUps})
+        QObject::connect(watcher, &platform::SignalWatcher::received, &run,
+                         [&run, number = watcher->signalNumber()] { run.quitNow(128 + number); });
     // Queued: a run refused at once ends before the loop below has started.
     QObject::connect(&run, &ConversionRun::finished, QCoreApplication::instance(),
                      &QCoreApplication::exit, Qt::QueuedConnection);

@@ -611,6 +611,29 @@ private slots:
             QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
     }
 
+    // Told to end (a plain kill) while the first file is being written: it quits now with 143
+    // and removes that file's unfinished output.
+    void toldToEndItQuitsAndRemovesTheUnfinishedOutput()
+    {
+        const QStringList names = longTones(2);
+        QProcess process;
+        startInWork(process,
+                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
+                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
+                                        QStringLiteral("--output-dir"), m_out});
+        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
+        QCOMPARE(::kill(pid_t(process.processId()), SIGTERM), 0);
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 128 + SIGTERM);
+        QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+                 QStringLiteral("ondrilet-cli: quitting now; the unfinished output is removed\n"));
+        QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
+                    .endsWith(QStringLiteral("🗑️ Removed unfinished output: a "
+                                             "(AAC_256k_48kHz_LUFS-23).m4a\n")));
+        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+    }
+
     void measure()
     {
         const QString path = m_work + QStringLiteral("/a.wav");

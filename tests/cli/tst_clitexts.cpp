@@ -139,7 +139,10 @@ private slots:
         const QString help = HelpText::help();
         QVERIFY(help.startsWith(QStringLiteral("Usage: ondrilet-cli [options] FILE...\n")));
         QVERIFY(help.contains(QStringLiteral("\n    2  a usage error\n")));
-        QVERIFY(help.endsWith(QStringLiteral("removes that file's unfinished output\n")));
+        QVERIFY(help.contains(QStringLiteral("removes that file's unfinished output\n")));
+        QVERIFY(help.endsWith(QStringLiteral("\n  143  told to end (129 when the terminal closed): "
+                                             "quits at once and removes the unfinished "
+                                             "output\n")));
         const QStringList lines = help.split(QLatin1Char('\n'));
         for (const QString& line : lines)
             QVERIFY2(line.size() <= 100, qPrintable(line));
