@@ -9,10 +9,13 @@
 #include "app/views/AppearancePalette.h"
 #include "app/views/MainWindow.h"
 #include "platform/foundation/MainQueue.h"
+#include "platform/foundation/SignalWatcher.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QSaveFile>
+
+#include <csignal>
 
 namespace {
 
@@ -71,6 +74,15 @@ int main(int argc, char* argv[])
                          // After the window's own handling of the files.
                          platform::MainQueue::async([&window] { window.bringToFront(); });
                      });
+    // Told to end (Ctrl-C in the terminal that started it, a plain kill, the session closing):
+    // the program quits without asking, and removes the output of a conversion under way.
+    platform::SignalWatcher interrupts(SIGINT, 1);
+    platform::SignalWatcher terminations(SIGTERM, 1);
+    platform::SignalWatcher hangUps(SIGHUP, 1);
+    for (const platform::SignalWatcher* watcher : {&interrupts, &terminations, &hangUps})
+        QObject::connect(
+            watcher, &platform::SignalWatcher::received, &application,
+            [number = watcher->signalNumber()] { QCoreApplication::exit(128 + number); });
     window.show();
     const int status = QApplication::exec();
     return Ondrilet::ProgramExit::afterEventLoop(*model.mediaConverter(), status);

@@ -1,6 +1,6 @@
 // The real program on a virtual display: started with a file, it lists it; a second launch with
 // more files hands them to the first and exits without a window of its own; a file sent twice is
-// listed once.
+// listed once. Told to end by a signal, it quits through its own exit path.
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -18,6 +18,7 @@ class SmokeTest : public QObject
 private slots:
     void initTestCase();
     void secondLaunchHandsItsFilesToTheFirst();
+    void toldToEndItQuitsCleanly();
     void cleanup();
 
 private:
@@ -105,6 +106,30 @@ void SmokeTest::secondLaunchHandsItsFilesToTheFirst()
     QCOMPARE(again.exitCode(), 0);
     QTRY_COMPARE_WITH_TIMEOUT(listed(dump), QStringList({first, second, third}), 20000);
     QVERIFY(m_first.state() == QProcess::Running);
+}
+
+void SmokeTest::toldToEndItQuitsCleanly()
+{
+    const QString file = touch(QStringLiteral("interview.wav"));
+    const QString dump = m_dir.filePath(QStringLiteral("ended-listed.txt"));
+    QProcess program;
+    program.setProcessEnvironment(environment(QStringLiteral("offscreen"), dump));
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QStringLiteral(ONDRILET_EXECUTABLE), {file});
+    QVERIFY(program.waitForStarted(10000));
+    QTRY_COMPARE_WITH_TIMEOUT(listed(dump), QStringList({file}), 60000);
+    QCOMPARE(::kill(pid_t(program.processId()), SIGTERM), 0);
+    QVERIFY(program.waitForFinished(20000));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 128 + SIGTERM);
+    // Its instance channel went with it: the next launch is the running one, not a hand-over.
+    QFile::remove(dump);
+    program.start(QStringLiteral(ONDRILET_EXECUTABLE), {file});
+    QTRY_COMPARE_WITH_TIMEOUT(listed(dump), QStringList({file}), 60000);
+    QCOMPARE(::kill(pid_t(program.processId()), SIGHUP), 0);
+    QVERIFY(program.waitForFinished(20000));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 128 + SIGHUP);
 }
 
 void SmokeTest::cleanup()
