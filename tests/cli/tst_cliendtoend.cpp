@@ -113,12 +113,12 @@ private:
         return true;
     }
 
-    // `count` copies of a 15 s 48 kHz stereo tone in m_work, named a.wav, b.wav, …
-    QStringList longTones(int count)
+    // `count` copies of a 48 kHz stereo tone of `seconds` in m_work, named a.wav, b.wav, …
+    QStringList longTones(int count, double seconds = 15.0)
     {
         const QString tone = Fixtures::makeTone(
-            m_root.filePath(QStringLiteral("fixtures")), QStringLiteral("long.wav"), 15.0, 48000, 2,
-            {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
+            m_root.filePath(QStringLiteral("fixtures")), QStringLiteral("long-%1.wav").arg(seconds),
+            seconds, 48000, 2, {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
         if (tone.isEmpty())
             qFatal("%s", qPrintable(Fixtures::lastError()));
         QStringList names;
@@ -579,11 +579,11 @@ private slots:
         }
     }
 
-    // A second Ctrl-C quits while the first file is being written: its unfinished output is
-    // removed, and the sources are untouched.
+    // A second Ctrl-C quits while the file is being written: its unfinished output is removed,
+    // and the source is untouched. A minute of sound leaves ample time for both interrupts.
     void aSecondCtrlCQuitsAndRemovesTheUnfinishedOutput()
     {
-        const QStringList names = longTones(3);
+        const QStringList names = longTones(1, 60.0);
         const QByteArray before = Fixtures::sha256(m_work + QStringLiteral("/a.wav"));
         QProcess process;
         startInWork(process,
@@ -611,11 +611,11 @@ private slots:
             QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
     }
 
-    // Told to end (a plain kill) while the first file is being written: it quits now with 143
-    // and removes that file's unfinished output.
+    // Told to end (a plain kill) while the file is being written: it quits now with 143 and
+    // removes the unfinished output.
     void toldToEndItQuitsAndRemovesTheUnfinishedOutput()
     {
-        const QStringList names = longTones(2);
+        const QStringList names = longTones(1, 60.0);
         QProcess process;
         startInWork(process,
                     names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
