@@ -544,11 +544,11 @@ private slots:
     }
 
     // Ctrl-C during a run: the file in hand is finished, no other is begun, and the program
-    // ends with 130 and says so. Files of 15 s take long enough to encode that the interrupt
+    // ends with 130 and says so. Files of 30 s take long enough to encode that the interrupt
     // lands while the second one is in hand.
     void ctrlCStopsAfterTheFileInHand()
     {
-        const QStringList names = longTones(4);
+        const QStringList names = longTones(4, 30.0);
         QProcess process;
         startInWork(process,
                     names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
@@ -574,7 +574,7 @@ private slots:
             const testsupport::AudioStreamProbe probe =
                 Fixtures::probeAudio(m_out + QLatin1Char('/') + outputs.at(i));
             QCOMPARE(probe.codecName, QStringLiteral("aac"));
-            QVERIFY2(std::abs(probe.durationSeconds - 15.0) < 0.1,
+            QVERIFY2(std::abs(probe.durationSeconds - 30.0) < 0.1,
                      qPrintable(QString::number(probe.durationSeconds)));
         }
     }
