@@ -16,6 +16,7 @@
 #include "app/views/OptionsView.h"
 #include "app/views/OutputView.h"
 #include "app/views/ProgressAreaView.h"
+#include "app/views/QuestionBox.h"
 #include "app/views/VideoSettingsView.h"
 
 #include <QDir>
@@ -337,30 +338,21 @@ void ContentView::showOverwriteAlert()
 {
     if (!m_model->showOverwriteWarning() || m_overwriteAlert)
         return;
-    auto* box = new QMessageBox(window());
-    m_overwriteAlert = box;
-    box->setObjectName(QStringLiteral("overwriteAlert"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setIcon(QMessageBox::Warning);
-    box->setWindowTitle(WindowTexts::overwriteAlertTitle);
-    box->setText(WindowTexts::overwriteAlertTitle);
-    box->setInformativeText(WindowTexts::overwriteAlertText);
-    QPushButton* cancel =
-        box->addButton(WindowTexts::overwriteAlertCancel, QMessageBox::RejectRole);
-    QPushButton* overwrite =
-        box->addButton(WindowTexts::overwriteAlertConfirm, QMessageBox::DestructiveRole);
-    box->setDefaultButton(cancel);
-    box->setEscapeButton(cancel);
+    const QuestionBox::Parts question =
+        QuestionBox::make(window(), QStringLiteral("overwriteAlert"),
+                          WindowTexts::overwriteAlertTitle, WindowTexts::overwriteAlertText,
+                          WindowTexts::overwriteAlertCancel, WindowTexts::overwriteAlertConfirm);
+    m_overwriteAlert = question.box;
     QPointer<ContentViewModel> model(m_model);
-    connect(cancel, &QPushButton::clicked, m_model, [model] {
+    connect(question.cancel, &QPushButton::clicked, m_model, [model] {
         if (model)
             model->cancelOverwrite();
     });
-    connect(overwrite, &QPushButton::clicked, m_model, [model] {
+    connect(question.confirm, &QPushButton::clicked, m_model, [model] {
         if (model)
             model->confirmOverwrite();
     });
-    box->open();
+    question.box->open();
 }
 
 } // namespace Ondrilet

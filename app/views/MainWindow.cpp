@@ -4,6 +4,7 @@
 #include "app/InstanceChannel.h"
 #include "app/WindowTexts.h"
 #include "app/views/ContentView.h"
+#include "app/views/QuestionBox.h"
 #include "app/views/SymbolIcon.h"
 
 #include <QAction>
@@ -91,26 +92,16 @@ void MainWindow::askBeforeQuitting()
         m_quitQuestion->raise();
         return;
     }
-    auto* box = new QMessageBox(this);
-    box->setObjectName(QStringLiteral("quitQuestion"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    box->setIcon(QMessageBox::Warning);
-    box->setWindowTitle(WindowTexts::quitWhileConvertingTitle);
-    box->setText(WindowTexts::quitWhileConvertingTitle);
-    box->setInformativeText(WindowTexts::quitWhileConvertingText);
-    QPushButton* keep =
-        box->addButton(WindowTexts::quitWhileConvertingCancel, QMessageBox::RejectRole);
-    QPushButton* quit =
-        box->addButton(WindowTexts::quitWhileConvertingConfirm, QMessageBox::DestructiveRole);
-    box->setDefaultButton(keep);
-    box->setEscapeButton(keep);
-    connect(quit, &QPushButton::clicked, this, [this] {
+    const QuestionBox::Parts question = QuestionBox::make(
+        this, QStringLiteral("quitQuestion"), WindowTexts::quitWhileConvertingTitle,
+        WindowTexts::quitWhileConvertingText, WindowTexts::quitWhileConvertingCancel,
+        WindowTexts::quitWhileConvertingConfirm);
+    connect(question.confirm, &QPushButton::clicked, this, [this] {
         m_quitConfirmed = true;
         close();
     });
-    m_quitQuestion = box;
-    box->open();
+    m_quitQuestion = question.box;
+    question.box->open();
 }
 
 } // namespace Ondrilet
