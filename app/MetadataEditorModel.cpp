@@ -395,10 +395,11 @@ QCoro::Task<> MetadataEditorModel::storeMetadataForFiles(QStringList files, QCbo
         // a conversion among them, may run in between.
         QFuture<void> hop = QtConcurrent::run(QThreadPool::globalInstance(), [] {});
         co_await hop;
+        const QString key = PendingMetadataStore::key(file);
         if (!self) {
             storePendingMetadata(file, metadata);
-        } else if (self->m_latestStoreFor.value(PendingMetadataStore::key(file)) == call) {
-            self->m_latestStoreFor.remove(PendingMetadataStore::key(file));
+        } else if (self->m_latestStoreFor.value(key) == call) {
+            self->m_latestStoreFor.remove(key);
             storePendingMetadata(file, metadata);
         }
     }
