@@ -99,6 +99,15 @@ private:
         process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
     }
 
+    // Starts converting `names` to AAC in M4A files below m_out.
+    void startAacConversion(QProcess& process, const QStringList& names)
+    {
+        startInWork(process,
+                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
+                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
+                                        QStringLiteral("--output-dir"), m_out});
+    }
+
     // Reads `channel` until `text` has appeared in it.
     static bool waitForOutput(QProcess& process, const QString& text,
                               QProcess::ProcessChannel channel = QProcess::StandardOutput)
@@ -550,10 +559,7 @@ private slots:
     {
         const QStringList names = longTones(4, 30.0);
         QProcess process;
-        startInWork(process,
-                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
-                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                                        QStringLiteral("--output-dir"), m_out});
+        startAacConversion(process, names);
         QVERIFY(waitForOutput(process, QStringLiteral("metadata for: b.wav")));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(120000));
@@ -586,10 +592,7 @@ private slots:
         const QStringList names = longTones(1, 60.0);
         const QByteArray before = Fixtures::sha256(m_work + QStringLiteral("/a.wav"));
         QProcess process;
-        startInWork(process,
-                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
-                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                                        QStringLiteral("--output-dir"), m_out});
+        startAacConversion(process, names);
         // The first output is on the disk: its writer has it open.
         QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
@@ -617,10 +620,7 @@ private slots:
     {
         const QStringList names = longTones(1, 60.0);
         QProcess process;
-        startInWork(process,
-                    names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
-                                        QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                                        QStringLiteral("--output-dir"), m_out});
+        startAacConversion(process, names);
         QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGTERM), 0);
         QVERIFY(process.waitForFinished(20000));
