@@ -1,13 +1,13 @@
 // OndriletApp: starts the application, or hands its files to the Ondrilet already running, and
 // shows the main window. GUI thread.
-#include "app/AppMemoryManager.h"
-#include "app/ContentViewModel.h"
-#include "app/FileListModel.h"
-#include "app/InstanceChannel.h"
-#include "app/PresetStore.h"
-#include "app/ProgramExit.h"
+#include "app/batch/AppMemoryManager.h"
+#include "app/desktop/InstanceChannel.h"
+#include "app/desktop/ProgramExit.h"
+#include "app/presets/PresetStore.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/MainWindow.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/FileListModel.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/SignalWatcher.h"
 

@@ -1,8 +1,8 @@
 #include "cli/CliModelApplier.h"
 
-#include "app/ContentViewModel.h"
-#include "app/MetadataEditorModel.h"
-#include "app/OutputDirectoryModel.h"
+#include "app/metadata/MetadataEditorModel.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/OutputDirectoryModel.h"
 #include "cli/UsageError.h"
 
 #include <QFileInfo>

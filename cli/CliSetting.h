@@ -4,16 +4,16 @@
 // any thread.
 #pragma once
 
-#include "ConversionEngine/AudioLevelPreset.h"
-#include "ConversionEngine/InterlacingHandlingMode.h"
-#include "ConversionEngine/VideoFrameRate.h"
-#include "app/AudioBitrate.h"
-#include "app/AudioCodec.h"
-#include "app/BitDepth.h"
-#include "app/OutputFormat.h"
-#include "app/SampleRate.h"
-#include "app/VideoCodec.h"
-#include "app/VideoResolution.h"
+#include "ConversionEngine/vocabulary/AudioLevelPreset.h"
+#include "ConversionEngine/vocabulary/InterlacingHandlingMode.h"
+#include "ConversionEngine/vocabulary/VideoFrameRate.h"
+#include "app/vocabulary/AudioBitrate.h"
+#include "app/vocabulary/AudioCodec.h"
+#include "app/vocabulary/BitDepth.h"
+#include "app/vocabulary/OutputFormat.h"
+#include "app/vocabulary/SampleRate.h"
+#include "app/vocabulary/VideoCodec.h"
+#include "app/vocabulary/VideoResolution.h"
 
 #include <QDateTime>
 #include <QString>

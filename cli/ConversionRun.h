@@ -7,7 +7,7 @@
 // not one, 130 when an interrupt stopped it before every file was converted. Main thread only.
 #pragma once
 
-#include "app/AnyPreset.h"
+#include "app/presets/AnyPreset.h"
 #include "cli/CliRequest.h"
 
 #include <QList>

@@ -1,8 +1,8 @@
 #include "cli/MeasureCommand.h"
 
-#include "ConversionEngine/ConversionError.h"
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
-#include "ConversionEngine/PeakLevelPass.h"
+#include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/level/PeakLevelPass.h"
 #include "cli/MeasureReport.h"
 #include "cli/TerminalOutput.h"
 #include "platform/foundation/FileSystemError.h"

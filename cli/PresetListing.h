@@ -2,7 +2,7 @@
 // description separated by a tab, so that scripts can split it. Pure; any thread.
 #pragma once
 
-#include "app/AnyPreset.h"
+#include "app/presets/AnyPreset.h"
 
 #include <QList>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "cli/ProgressBarText.h"
 
-#include "app/DurationText.h"
+#include "app/batch/DurationText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "cli/ProgressDisplay.h"
 
-#include "app/BatchProgressManager.h"
-#include "app/MediaConverter.h"
+#include "app/batch/BatchProgressManager.h"
+#include "app/driver/MediaConverter.h"
 #include "cli/ProgressBarText.h"
 #include "cli/TerminalOutput.h"
 

@@ -1,9 +1,9 @@
 // ondrilet-cli: converts files from a terminal with the same models as the window, lists the
 // presets, or measures a file's loudness and peak. Main thread.
-#include "app/AppMemoryManager.h"
-#include "app/ContentViewModel.h"
-#include "app/PresetStore.h"
-#include "app/ProgramExit.h"
+#include "app/batch/AppMemoryManager.h"
+#include "app/desktop/ProgramExit.h"
+#include "app/presets/PresetStore.h"
+#include "app/window/ContentViewModel.h"
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/HelpText.h"

@@ -10,11 +10,18 @@ function(ondrilet_warnings target)
     endif()
 endfunction()
 
-# A library of one module: every .cpp/.h in the directory (not below it, not main.cpp), includes rooted at the
-# repository so that an include names its module ("platform/media/Asset.h").
+# A library of one module: every .cpp/.h in the directory and in the subfolders named after FOLDERS
+# (not main.cpp), includes rooted at the repository so that an include names its module and folder
+# ("platform/media/Asset.h", "app/driver/MediaConverter.h").
+#   ondrilet_module_library(target [FOLDERS folder...])
 function(ondrilet_module_library target)
-    file(GLOB sources CONFIGURE_DEPENDS
-        "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    cmake_parse_arguments(M "" "" "FOLDERS" ${ARGN})
+    set(patterns "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    foreach(folder IN LISTS M_FOLDERS)
+        list(APPEND patterns "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
+            "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+    endforeach()
+    file(GLOB sources CONFIGURE_DEPENDS ${patterns})
     # A program's entry point is never part of a library.
     list(REMOVE_ITEM sources "${CMAKE_CURRENT_SOURCE_DIR}/main.cpp")
     if(NOT sources)

@@ -1,11 +1,11 @@
 #include "app/views/AudioSettingsRows.h"
 
-#include "app/ContentViewModel.h"
-#include "app/ConversionControls.h"
-#include "app/WindowTexts.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/ChoiceBox.h"
 #include "app/views/SectionView.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/ConversionControls.h"
+#include "app/window/WindowTexts.h"
 
 #include <QFormLayout>
 #include <QLabel>

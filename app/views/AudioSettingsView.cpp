@@ -1,7 +1,7 @@
 #include "app/views/AudioSettingsView.h"
 
-#include "app/WindowTexts.h"
 #include "app/views/AudioSettingsRows.h"
+#include "app/window/WindowTexts.h"
 
 namespace Ondrilet {
 

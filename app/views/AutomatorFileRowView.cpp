@@ -1,9 +1,9 @@
 #include "app/views/AutomatorFileRowView.h"
 
-#include "app/FileListRules.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/ElidedLabel.h"
 #include "app/views/SymbolIcon.h"
+#include "app/window/FileListRules.h"
 
 #include <QApplication>
 #include <QDrag>

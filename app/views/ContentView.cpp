@@ -1,12 +1,7 @@
 #include "app/views/ContentView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/ConversionControls.h"
-#include "app/FileListModel.h"
-#include "app/FileListRules.h"
-#include "app/MetadataEditorModel.h"
-#include "app/PresetStore.h"
-#include "app/WindowTexts.h"
+#include "app/metadata/MetadataEditorModel.h"
+#include "app/presets/PresetStore.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/AudioSettingsView.h"
 #include "app/views/ChoiceBox.h"
@@ -18,6 +13,11 @@
 #include "app/views/ProgressAreaView.h"
 #include "app/views/QuestionBox.h"
 #include "app/views/VideoSettingsView.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/ConversionControls.h"
+#include "app/window/FileListModel.h"
+#include "app/window/FileListRules.h"
+#include "app/window/WindowTexts.h"
 
 #include <QDir>
 #include <QFileDialog>

@@ -1,10 +1,10 @@
 #include "app/views/FileListView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/FileListModel.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/AutomatorFileRowView.h"
 #include "app/views/SymbolIcon.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/FileListModel.h"
 
 #include <QDragEnterEvent>
 #include <QFrame>

@@ -1,9 +1,9 @@
 #include "app/views/LevelProcessingView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/ConversionControls.h"
-#include "app/WindowTexts.h"
 #include "app/views/ChoiceBox.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/ConversionControls.h"
+#include "app/window/WindowTexts.h"
 
 #include <QFormLayout>
 #include <QLabel>

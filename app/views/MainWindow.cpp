@@ -1,11 +1,11 @@
 #include "app/views/MainWindow.h"
 
-#include "app/ContentViewModel.h"
-#include "app/InstanceChannel.h"
-#include "app/WindowTexts.h"
+#include "app/desktop/InstanceChannel.h"
 #include "app/views/ContentView.h"
 #include "app/views/QuestionBox.h"
 #include "app/views/SymbolIcon.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/WindowTexts.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "app/views/MetadataEditorView.h"
 
-#include "app/MetadataEditorModel.h"
+#include "app/metadata/MetadataEditorModel.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/SymbolIcon.h"
 

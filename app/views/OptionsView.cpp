@@ -1,7 +1,7 @@
 #include "app/views/OptionsView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/WindowTexts.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/WindowTexts.h"
 
 #include <QCheckBox>
 #include <QSignalBlocker>

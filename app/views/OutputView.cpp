@@ -1,11 +1,11 @@
 #include "app/views/OutputView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/OutputDirectoryModel.h"
-#include "app/WindowTexts.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/ElidedLabel.h"
 #include "app/views/SymbolIcon.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/OutputDirectoryModel.h"
+#include "app/window/WindowTexts.h"
 
 #include <QDir>
 #include <QFileDialog>

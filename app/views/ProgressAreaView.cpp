@@ -1,7 +1,7 @@
 #include "app/views/ProgressAreaView.h"
 
-#include "ConversionEngine/EnhancedProgressTracker.h"
-#include "app/MediaConverter.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
+#include "app/driver/MediaConverter.h"
 #include "app/views/ElidedLabel.h"
 #include "app/views/HeartbeatDot.h"
 

@@ -1,10 +1,10 @@
 #include "app/views/QualityControlsView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/ConversionControls.h"
-#include "app/WindowTexts.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/ChoiceBox.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/ConversionControls.h"
+#include "app/window/WindowTexts.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,12 +1,12 @@
 #include "app/views/VideoSettingsView.h"
 
-#include "app/ContentViewModel.h"
-#include "app/ConversionControls.h"
-#include "app/WindowTexts.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/AudioSettingsRows.h"
 #include "app/views/ChoiceBox.h"
 #include "app/views/QualityControlsView.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/ConversionControls.h"
+#include "app/window/WindowTexts.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>

@@ -4,7 +4,7 @@
 //   bench_audio [FILE] [RUNS] [JOB]   FILE defaults to /tmp/ond-corpus/music_10min_48k24.wav;
 //   JOB, a part of a job's name ("AAC"), runs only the jobs that hold it.
 
-#include "ConversionEngine/AudioConverter.h"
+#include "ConversionEngine/audio/AudioConverter.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>

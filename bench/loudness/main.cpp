@@ -2,7 +2,7 @@
 // times each, and prints the best wall-clock and processor times and the ratio of ours to ffmpeg's.
 // The goal is a wall-clock ratio of at most 0.3. Main thread only.
 
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>

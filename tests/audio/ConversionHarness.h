@@ -3,9 +3,9 @@
 // Test thread (the main thread) only.
 #pragma once
 
-#include "ConversionEngine/AudioConverter.h"
-#include "ConversionEngine/ConversionError.h"
-#include "ConversionEngine/EnhancedProgressTracker.h"
+#include "ConversionEngine/audio/AudioConverter.h"
+#include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
 #include "platform/media/MediaError.h"
 
 #include <QCoro/QCoroTask>

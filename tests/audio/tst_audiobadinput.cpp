@@ -1,7 +1,7 @@
 // Sources and settings the audio engine must refuse: each ends in its exact error and tracker
 // texts within seconds, leaves the source as it was and crashes nothing.
-#include "ConversionEngine/AudioConverter.h"
-#include "ConversionEngine/ManualProgressClock.h"
+#include "ConversionEngine/audio/AudioConverter.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/support/Fixtures.h"
 

@@ -1,14 +1,14 @@
 // The audio engine's run as its tracker, its progress subject and its caller see it: the
 // milestone texts with their phases and fractions, the pump's paced reports, the final verdict,
 // the level gains, the cancellation callback and the memory-pressure observer.
-#include "ConversionEngine/AudioConverter.h"
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
-#include "ConversionEngine/ManualProgressClock.h"
-#include "ConversionEngine/MemoryManager.h"
-#include "ConversionEngine/PeakLevelPass.h"
-#include "ConversionEngine/StreamingBufferProcessor.h"
+#include "ConversionEngine/audio/AudioConverter.h"
 #include "ConversionEngine/core/LevelGain.h"
 #include "ConversionEngine/core/Limiter.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/level/PeakLevelPass.h"
+#include "ConversionEngine/memory/MemoryManager.h"
+#include "ConversionEngine/memory/StreamingBufferProcessor.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "tests/audio/ConversionHarness.h"

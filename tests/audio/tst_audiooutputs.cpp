@@ -2,7 +2,7 @@
 // with ffprobe and by decoding: codec, rate, channels, depth and duration; lossless paths that
 // keep every sample; mono, stereo and 5.1 sources; an unusual rate that stays; audio taken from
 // a video's AAC track.
-#include "ConversionEngine/AudioConverter.h"
+#include "ConversionEngine/audio/AudioConverter.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/support/Fixtures.h"
 

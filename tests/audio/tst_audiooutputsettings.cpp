@@ -1,6 +1,6 @@
 // The dictionaries the audio engine hands to its reader and writer: exact keys, values, value
 // types and order for each codec and format, and the rate rule that keeps unusual rates.
-#include "ConversionEngine/AudioOutputSettings.h"
+#include "ConversionEngine/audio/AudioOutputSettings.h"
 
 #include <QTest>
 

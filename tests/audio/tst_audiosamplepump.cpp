@@ -1,9 +1,9 @@
 // The sample pump against stand-in endpoints: its counters, its exits with their texts and
 // cancel calls, the loss of a buffer when the input stops taking data, the gain in place, the
 // paced progress reports, the finish and the single resumption.
-#include "ConversionEngine/AudioSamplePump.h"
-#include "ConversionEngine/ManualProgressClock.h"
+#include "ConversionEngine/audio/AudioSamplePump.h"
 #include "ConversionEngine/core/Limiter.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "tests/audio/ConversionHarness.h"
 
 #include <QTest>

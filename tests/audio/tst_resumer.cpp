@@ -1,6 +1,6 @@
 // The guard of a conversion's single resumption: the first attempt wins, from any thread, and
 // every later one does nothing.
-#include "ConversionEngine/Resumer.h"
+#include "ConversionEngine/audio/Resumer.h"
 
 #include <QTest>
 

@@ -3,9 +3,9 @@
 // the order of the options, level targets checked by measuring the results, the overwrite
 // question with and without --yes, refused files and failures. Each run has a home directory of
 // its own, so that no preference of one run reaches another.
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
-#include "ConversionEngine/PeakLevelPass.h"
-#include "app/PendingMetadataStore.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/level/PeakLevelPass.h"
+#include "app/metadata/PendingMetadataStore.h"
 #include "cli/HelpText.h"
 #include "cli/MeasureReport.h"
 #include "platform/foundation/UserDefaults.h"

@@ -1,9 +1,9 @@
 // The settings of a command line replayed on the window's model: each lands where its panel
 // control puts it, with the rules the model keeps for that control, and in the order given.
-#include "app/ContentViewModel.h"
-#include "app/MetadataEditorModel.h"
-#include "app/OutputDirectoryModel.h"
-#include "app/PresetStore.h"
+#include "app/metadata/MetadataEditorModel.h"
+#include "app/presets/PresetStore.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/OutputDirectoryModel.h"
 #include "cli/CliModelApplier.h"
 #include "cli/CliOptionParser.h"
 #include "cli/UsageError.h"

@@ -1,6 +1,6 @@
 // The texts of the terminal front end: the progress bar line, the JSON of a measurement, the
 // preset listing, and the usage and help texts.
-#include "app/PresetStore.h"
+#include "app/presets/PresetStore.h"
 #include "cli/CliOption.h"
 #include "cli/HelpText.h"
 #include "cli/MeasureReport.h"

@@ -2,9 +2,9 @@
 // of the interrupt is exact: before Convert nothing is written; during a file that file is
 // finished (and swapped in place of its original when it replaces one), the rest are left
 // untouched, and the run ends with the interrupt's exit status.
-#include "ConversionEngine/EnhancedProgressTracker.h"
-#include "app/ContentViewModel.h"
-#include "app/PresetStore.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
+#include "app/presets/PresetStore.h"
+#include "app/window/ContentViewModel.h"
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/TerminalOutput.h"

@@ -2,12 +2,12 @@
 // into, what a failure leaves behind, in-place replacement, cancellation and the progress fed to
 // the run tracker and the batch. Every source is checksummed before and after each test, and no
 // hidden helper file may be left anywhere.
-#include "ConversionEngine/AudioConverter.h"
-#include "ConversionEngine/EnhancedProgressTracker.h"
-#include "ConversionEngine/ManualProgressClock.h"
-#include "app/BatchProgressManager.h"
-#include "app/MediaConverter.h"
-#include "app/PendingMetadataStore.h"
+#include "ConversionEngine/audio/AudioConverter.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
+#include "app/batch/BatchProgressManager.h"
+#include "app/driver/MediaConverter.h"
+#include "app/metadata/PendingMetadataStore.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/UserDefaults.h"

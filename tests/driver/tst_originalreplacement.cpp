@@ -1,7 +1,7 @@
 // Swapping a converted file into its original's place: the hidden helper names, the console
 // lines, the permission bits, the restore path, and a process killed at every step.
-#include "ConversionEngine/ConversionError.h"
-#include "app/OriginalReplacement.h"
+#include "ConversionEngine/errors/ConversionError.h"
+#include "app/driver/OriginalReplacement.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileSystemError.h"

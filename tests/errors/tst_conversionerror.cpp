@@ -1,4 +1,4 @@
-#include "ConversionEngine/ConversionError.h"
+#include "ConversionEngine/errors/ConversionError.h"
 
 #include <QTest>
 

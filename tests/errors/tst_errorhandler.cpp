@@ -1,5 +1,5 @@
-#include "ConversionEngine/ErrorHandler.h"
-#include "ConversionEngine/MediaFileError.h"
+#include "ConversionEngine/errors/ErrorHandler.h"
+#include "ConversionEngine/errors/MediaFileError.h"
 #include "platform/foundation/FileSystemError.h"
 #include "platform/media/MediaError.h"
 

@@ -1,4 +1,4 @@
-#include "ConversionEngine/MediaFileError.h"
+#include "ConversionEngine/errors/MediaFileError.h"
 
 #include <QTest>
 

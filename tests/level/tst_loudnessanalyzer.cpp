@@ -1,5 +1,5 @@
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
 #include "ConversionEngine/core/LoudnessAccumulator.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 #include "LevelFixtures.h"
 #include "LevelSignals.h"
 #include "platform/media/MediaError.h"

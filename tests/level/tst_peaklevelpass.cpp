@@ -1,5 +1,5 @@
-#include "ConversionEngine/ConversionError.h"
-#include "ConversionEngine/PeakLevelPass.h"
+#include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/level/PeakLevelPass.h"
 #include "LevelFixtures.h"
 #include "LevelSignals.h"
 #include "platform/media/MediaError.h"

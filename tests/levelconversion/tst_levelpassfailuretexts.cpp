@@ -2,9 +2,9 @@
 // own error, so the audio engine's "No audio track found in the source file" is reached only
 // without a target. Checked at the engine (what it throws, what its tracker shows) and through
 // the conversion driver (the console line and the one message the user reads).
-#include "ConversionEngine/AudioConverter.h"
-#include "app/BatchProgressManager.h"
-#include "app/MediaConverter.h"
+#include "ConversionEngine/audio/AudioConverter.h"
+#include "app/batch/BatchProgressManager.h"
+#include "app/driver/MediaConverter.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/UserDefaults.h"
 #include "tests/audio/ConversionHarness.h"

@@ -3,8 +3,8 @@
 // factor of 0.98 (about -23.18), whether the source is raised or lowered; every sample is the
 // source times the gain times 0.98; a quiet noise floor raised by the largest gain (+30 dB) is
 // clipped at ±0.97723722 and nothing else. Outputs are 24-bit PCM, decoded by ffmpeg.
-#include "ConversionEngine/AudioConverter.h"
-#include "ConversionEngine/IntegratedLoudnessAnalyzer.h"
+#include "ConversionEngine/audio/AudioConverter.h"
+#include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/levelconversion/LevelCheck.h"
 #include "tests/support/Fixtures.h"

@@ -2,7 +2,7 @@
 // sample lands on the target, a target of -0.2 dBFS lands on the clip level, a target below the
 // source only scales it down, and a quiet noise floor raised hard is clipped at ±0.97723722 with
 // every other sample the source times the gain. Outputs are 24-bit PCM, decoded by ffmpeg.
-#include "ConversionEngine/AudioConverter.h"
+#include "ConversionEngine/audio/AudioConverter.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/levelconversion/LevelCheck.h"
 #include "tests/support/Fixtures.h"

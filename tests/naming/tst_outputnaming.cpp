@@ -1,5 +1,5 @@
-#include "app/OutputNaming.h"
-#include "app/PendingMetadataStore.h"
+#include "app/metadata/PendingMetadataStore.h"
+#include "app/naming/OutputNaming.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/UserDefaults.h"
 

@@ -1,6 +1,6 @@
-#include "app/AnyPreset.h"
-#include "app/AudioPreset.h"
-#include "app/VideoPreset.h"
+#include "app/presets/AnyPreset.h"
+#include "app/presets/AudioPreset.h"
+#include "app/presets/VideoPreset.h"
 
 #include <QSet>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "app/PresetStore.h"
+#include "app/presets/PresetStore.h"
 #include "platform/foundation/Console.h"
 
 #include <QSet>

@@ -1,5 +1,5 @@
-#include "ConversionEngine/EnhancedProgressPublisher.h"
-#include "ConversionEngine/ManualProgressClock.h"
+#include "ConversionEngine/progress/EnhancedProgressPublisher.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QTest>

@@ -1,5 +1,5 @@
-#include "ConversionEngine/EnhancedProgressTracker.h"
-#include "ConversionEngine/ManualProgressClock.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
+#include "ConversionEngine/progress/ManualProgressClock.h"
 
 #include <QPointer>
 #include <QSignalSpy>

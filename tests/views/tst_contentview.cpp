@@ -2,13 +2,9 @@
 // of files, row reordering, removal, clearing, the settings sections following the format and
 // codec, the preview, the Convert button, the overwrite question, and the progress area during a
 // real conversion. Writes screenshots of the window into the build folder.
-#include "ConversionEngine/EnhancedProgressTracker.h"
-#include "app/ContentViewModel.h"
-#include "app/FileListModel.h"
-#include "app/MetadataEditorModel.h"
-#include "app/OutputDirectoryModel.h"
-#include "app/PresetStore.h"
-#include "app/WindowTexts.h"
+#include "ConversionEngine/progress/EnhancedProgressTracker.h"
+#include "app/metadata/MetadataEditorModel.h"
+#include "app/presets/PresetStore.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/AudioSettingsRows.h"
 #include "app/views/AudioSettingsView.h"
@@ -24,6 +20,10 @@
 #include "app/views/OutputView.h"
 #include "app/views/ProgressAreaView.h"
 #include "app/views/VideoSettingsView.h"
+#include "app/window/ContentViewModel.h"
+#include "app/window/FileListModel.h"
+#include "app/window/OutputDirectoryModel.h"
+#include "app/window/WindowTexts.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/UserDefaults.h"
 #include "tests/support/Fixtures.h"

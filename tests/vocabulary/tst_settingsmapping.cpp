@@ -1,5 +1,5 @@
 #include "TrapRun.h"
-#include "app/SettingsMapping.h"
+#include "app/driver/SettingsMapping.h"
 #include "platform/foundation/Console.h"
 
 #include <QTest>

@@ -1,7 +1,7 @@
 // Runs one fatal trap of the settings vocabulary, named by its first argument, so that a test
 // can watch the process die with the trap's text. Exits with 2 if the trap does not fire.
-#include "ConversionEngine/AudioLevelPreset.h"
-#include "app/SettingsMapping.h"
+#include "ConversionEngine/vocabulary/AudioLevelPreset.h"
+#include "app/driver/SettingsMapping.h"
 
 #include <QString>
 

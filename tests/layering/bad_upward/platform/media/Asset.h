@@ -1,1 +1,1 @@
-#include "ConversionEngine/AudioConverter.h"
+#include "ConversionEngine/audio/AudioConverter.h"

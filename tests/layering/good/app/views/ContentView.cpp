@@ -1,2 +1,2 @@
 #include <QWidget>
-#include "app/ContentViewModel.h"
+#include "app/window/ContentViewModel.h"

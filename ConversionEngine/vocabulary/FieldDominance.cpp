@@ -1,0 +1,70 @@
+#include "ConversionEngine/vocabulary/FieldDominance.h"
+
+namespace ConversionEngine {
+
+QString caseName(FieldDominance dominance)
+{
+    switch (dominance) {
+    case FieldDominance::progressive:
+        return QStringLiteral("progressive");
+    case FieldDominance::topFieldFirst:
+        return QStringLiteral("topFieldFirst");
+    case FieldDominance::bottomFieldFirst:
+        return QStringLiteral("bottomFieldFirst");
+    }
+    return {};
+}
+
+QString displayName(FieldDominance dominance)
+{
+    switch (dominance) {
+    case FieldDominance::progressive:
+        return QStringLiteral("Progressive");
+    case FieldDominance::topFieldFirst:
+        return QStringLiteral("Top Field First");
+    case FieldDominance::bottomFieldFirst:
+        return QStringLiteral("Bottom Field First");
+    }
+    return {};
+}
+
+QString shortName(FieldDominance dominance)
+{
+    switch (dominance) {
+    case FieldDominance::progressive:
+        return QStringLiteral("Progressive");
+    case FieldDominance::topFieldFirst:
+        return QStringLiteral("TFF");
+    case FieldDominance::bottomFieldFirst:
+        return QStringLiteral("BFF");
+    }
+    return {};
+}
+
+QString description(FieldDominance dominance)
+{
+    switch (dominance) {
+    case FieldDominance::progressive:
+        return QStringLiteral("Non-interlaced content (progressive scan)");
+    case FieldDominance::topFieldFirst:
+        return QStringLiteral("Interlaced with top field displayed first (common in PAL)");
+    case FieldDominance::bottomFieldFirst:
+        return QStringLiteral("Interlaced with bottom field displayed first (common in NTSC)");
+    }
+    return {};
+}
+
+QString symbolName(FieldDominance dominance)
+{
+    switch (dominance) {
+    case FieldDominance::progressive:
+        return QStringLiteral("tv");
+    case FieldDominance::topFieldFirst:
+        return QStringLiteral("arrow.up.tv");
+    case FieldDominance::bottomFieldFirst:
+        return QStringLiteral("arrow.down.tv");
+    }
+    return {};
+}
+
+} // namespace ConversionEngine

@@ -1,0 +1,53 @@
+// The output frame rates of a video conversion, shared by the application and the engine;
+// `source` keeps the input's rate. Plain value; any thread.
+#pragma once
+
+#include "ConversionEngine/vocabulary/FrameRateCategory.h"
+#include "platform/media/MediaTime.h"
+
+#include <QString>
+
+#include <array>
+#include <optional>
+
+namespace ConversionEngine {
+
+enum class VideoFrameRate
+{
+    source,
+    fps23976,
+    fps24,
+    fps25,
+    fps2997,
+    fps30,
+    fps50,
+    fps5994,
+    fps60,
+};
+
+// "Source", "23.976", "24" … "60".
+QString rawValue(VideoFrameRate rate);
+std::optional<VideoFrameRate> videoFrameRateFromRawValue(const QString& raw);
+// "Source", or the raw value and " fps".
+QString displayName(VideoFrameRate rate);
+// Frames per second; 0 for source.
+double numericValue(VideoFrameRate rate);
+// The exact duration of one frame (1001/30000 for 29.97); an invalid time for source.
+platform::MediaTime frameDuration(VideoFrameRate rate);
+// 30 and 60 count as NTSC along with 29.97 and 59.94.
+FrameRateCategory category(VideoFrameRate rate);
+// The rate a measured frames-per-second value stands for: the value rounded to three decimals
+// must equal a listed rate exactly, otherwise the answer is source.
+VideoFrameRate videoFrameRateFromNumeric(double framesPerSecond);
+
+inline const std::array<VideoFrameRate, 9>& allVideoFrameRates()
+{
+    static constexpr std::array<VideoFrameRate, 9> cases{
+        VideoFrameRate::source, VideoFrameRate::fps23976, VideoFrameRate::fps24,
+        VideoFrameRate::fps25,  VideoFrameRate::fps2997,  VideoFrameRate::fps30,
+        VideoFrameRate::fps50,  VideoFrameRate::fps5994,  VideoFrameRate::fps60,
+    };
+    return cases;
+}
+
+} // namespace ConversionEngine

@@ -1,0 +1,58 @@
+#include "ConversionEngine/vocabulary/VideoResolution.h"
+
+namespace ConversionEngine {
+
+QString rawValue(VideoResolution resolution)
+{
+    switch (resolution) {
+    case VideoResolution::sd480:
+        return QStringLiteral("480p");
+    case VideoResolution::hd720:
+        return QStringLiteral("720p");
+    case VideoResolution::hd1080:
+        return QStringLiteral("1080p");
+    case VideoResolution::uhd4k:
+        return QStringLiteral("4K");
+    }
+    return {};
+}
+
+std::optional<VideoResolution> videoResolutionFromRawValue(const QString& raw)
+{
+    for (VideoResolution resolution : allVideoResolutions())
+        if (rawValue(resolution) == raw)
+            return resolution;
+    return std::nullopt;
+}
+
+int width(VideoResolution resolution)
+{
+    switch (resolution) {
+    case VideoResolution::sd480:
+        return 640;
+    case VideoResolution::hd720:
+        return 1280;
+    case VideoResolution::hd1080:
+        return 1920;
+    case VideoResolution::uhd4k:
+        return 3840;
+    }
+    return 0;
+}
+
+int height(VideoResolution resolution)
+{
+    switch (resolution) {
+    case VideoResolution::sd480:
+        return 480;
+    case VideoResolution::hd720:
+        return 720;
+    case VideoResolution::hd1080:
+        return 1080;
+    case VideoResolution::uhd4k:
+        return 2160;
+    }
+    return 0;
+}
+
+} // namespace ConversionEngine

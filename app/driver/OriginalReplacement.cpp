@@ -1,0 +1,174 @@
+#include "app/driver/OriginalReplacement.h"
+
+#include "ConversionEngine/errors/ConversionError.h"
+#include "app/naming/OutputNaming.h"
+#include "platform/foundation/Console.h"
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileSystemError.h"
+#include "platform/media/MediaError.h"
+
+#include <QFileInfo>
+#include <QUuid>
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+namespace Ondrilet {
+
+using ConversionEngine::ConversionError;
+using platform::Console;
+using platform::FileAttributes;
+
+namespace {
+
+ReplacementStepObserver& stepObserver()
+{
+    static ReplacementStepObserver observer;
+    return observer;
+}
+
+void announce(ReplacementStep step)
+{
+    if (stepObserver())
+        stepObserver()(step);
+}
+
+// The first eight characters of the upper-case form hold no hyphen.
+QString uuidPrefix()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper().left(8);
+}
+
+// The extension as the name's stem leaves it: nothing after a leading or trailing dot.
+QString ownExtension(const QString& path)
+{
+    const QString fileName = QFileInfo(path).fileName();
+    const QString stem = OutputNaming::stem(path);
+    return stem.size() < fileName.size() ? fileName.mid(stem.size() + 1) : QString();
+}
+
+QString helperURL(const QString& original, const QString& marker, const QString& extension)
+{
+    QString name = u'.' + OutputNaming::stem(original) + marker + uuidPrefix();
+    if (!extension.isEmpty())
+        name += u'.' + extension;
+    return QFileInfo(original).path() + u'/' + name;
+}
+
+QString describe(const std::exception_ptr& error)
+{
+    try {
+        std::rethrow_exception(error);
+    } catch (const ConversionError& conversionError) {
+        return conversionError.localizedDescription();
+    } catch (const platform::FileSystemError& fileError) {
+        return fileError.localizedDescription();
+    } catch (const platform::MediaError& mediaError) {
+        return mediaError.localizedDescription();
+    } catch (const std::exception& other) {
+        return QString::fromLocal8Bit(other.what());
+    } catch (...) {
+        return QStringLiteral("Unknown error");
+    }
+}
+
+// The permission bits of the original, if they can be read; nothing else is carried over.
+std::optional<unsigned> readPermissions(const QString& original)
+{
+    try {
+        return FileAttributes::permissions(original);
+    } catch (const platform::FileSystemError&) {
+        return std::nullopt;
+    }
+}
+
+// Whatever went wrong after the original was moved aside: put the backup back if its place is
+// free, drop the converted file, and report. After a late failure the converted file already
+// holds the original's name, so the backup stays where it is.
+[[noreturn]] void restore(const QString& original, const QString& temp, const QString& backup,
+                          const std::exception_ptr& error)
+{
+    const QString text = describe(error);
+    Console::print(QStringLiteral("❌ Failed to move converted file, restoring backup: ") + text);
+    if (FileAttributes::fileExists(backup)) {
+        try {
+            FileAttributes::moveItem(backup, original);
+        } catch (const platform::FileSystemError&) {
+        }
+    }
+    try {
+        FileAttributes::removeItem(temp);
+    } catch (const platform::FileSystemError&) {
+    }
+    throw ConversionError::conversionFailed(QStringLiteral("Failed to replace original file: ") +
+                                            text);
+}
+
+void swapIn(const QString& original, const QString& temp, const QString& backup,
+            const std::optional<unsigned>& permissions)
+{
+    announce(ReplacementStep::moveConvertedIn);
+    FileAttributes::moveItem(temp, original);
+    Console::print(QStringLiteral("✅ Moved converted file to original location"));
+
+    if (permissions) {
+        announce(ReplacementStep::carryPermissions);
+        FileAttributes::setPermissions(original, *permissions);
+    }
+
+    // The new name must be durable before the last other copy of the content goes.
+    announce(ReplacementStep::syncDirectory);
+    FileAttributes::syncDirectory(QFileInfo(original).path());
+
+    announce(ReplacementStep::removeBackup);
+    FileAttributes::removeItem(backup);
+    Console::print(QStringLiteral("🗑️ Removed backup file"));
+}
+
+} // namespace
+
+QString temporaryURL(const QString& original, const QString& extension)
+{
+    return helperURL(original, QStringLiteral("_converting_"), extension);
+}
+
+QString backupURL(const QString& original)
+{
+    return helperURL(original, QStringLiteral("_backup_"), ownExtension(original));
+}
+
+void replaceOriginal(const QString& original, const QString& temp)
+{
+    if (!FileAttributes::fileExists(temp))
+        throw ConversionError::conversionFailed(
+            QStringLiteral("Converted file not found at temp location"));
+
+    const std::optional<unsigned> permissions = readPermissions(original);
+    const QString backup = backupURL(original);
+
+    // The converted content must be on the disk before the original's name is given up.
+    announce(ReplacementStep::syncConverted);
+    FileAttributes::syncFile(temp);
+
+    if (FileAttributes::fileExists(original)) {
+        announce(ReplacementStep::moveOriginalAside);
+        FileAttributes::moveItem(original, backup);
+        Console::print(QStringLiteral("📦 Moved original to backup: ") +
+                       QFileInfo(backup).fileName());
+    }
+
+    try {
+        swapIn(original, temp, backup, permissions);
+    } catch (...) {
+        restore(original, temp, backup, std::current_exception());
+    }
+    announce(ReplacementStep::finished);
+}
+
+void setReplacementStepObserver(ReplacementStepObserver observer)
+{
+    stepObserver() = std::move(observer);
+}
+
+} // namespace Ondrilet

@@ -1,0 +1,41 @@
+#include "app/metadata/SourceMetadataReader.h"
+
+#include "app/naming/DateTexts.h"
+#include "platform/foundation/Console.h"
+#include "platform/media/Asset.h"
+
+#include <QDateTime>
+
+#include <optional>
+#include <vector>
+
+namespace Ondrilet {
+
+using platform::Console;
+
+QCoro::Task<QVariantMap> SourceMetadataReader::read(QString path)
+{
+    const platform::Asset asset(path);
+    QVariantMap metadata;
+    // Named, not temporaries: this compiler must not destroy an awaited task twice.
+    QCoro::Task<std::vector<platform::MetadataItem>> itemsLoad = asset.loadMetadata();
+    const std::vector<platform::MetadataItem> items = co_await itemsLoad;
+    for (const platform::MetadataItem& item : items) {
+        if (item.commonKey.isEmpty() || !item.value.isValid())
+            continue;
+        metadata.insert(item.commonKey, item.value.toString());
+    }
+
+    QCoro::Task<std::optional<QVariant>> dateLoad = asset.loadCreationDate();
+    const std::optional<QVariant> date = co_await dateLoad;
+    if (date && date->typeId() == QMetaType::QDateTime) {
+        metadata.insert(QStringLiteral("creationDate"), *date);
+        Console::print(QStringLiteral("✅ Found asset creation date: ") +
+                       DateTexts::consoleText(date->toDateTime()));
+    } else {
+        Console::print(QStringLiteral("⚠️ No asset creation date found"));
+    }
+    co_return metadata;
+}
+
+} // namespace Ondrilet
