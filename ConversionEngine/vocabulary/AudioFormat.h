@@ -2,6 +2,7 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "platform/media/FileType.h"
 
 #include <QString>
@@ -27,15 +28,18 @@ platform::FileType fileType(AudioFormat format);
 // True for m4a only, decided by the raw value.
 bool isCompressed(AudioFormat format);
 
-inline const std::array<AudioFormat, 4>& allAudioFormats()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioFormatTable = enumTable<AudioFormat, QStringView>({
+    {AudioFormat::aiff, u"aiff"},
+    {AudioFormat::wav, u"wav"},
+    {AudioFormat::m4a, u"m4a"},
+    {AudioFormat::caf, u"CAF"},
+});
+static_assert(audioFormatTable.hasDistinctCases());
+
+inline const auto& allAudioFormats()
 {
-    static constexpr std::array<AudioFormat, 4> cases{
-        AudioFormat::aiff,
-        AudioFormat::wav,
-        AudioFormat::m4a,
-        AudioFormat::caf,
-    };
-    return cases;
+    return audioFormatTable.allCases();
 }
 
 } // namespace ConversionEngine
