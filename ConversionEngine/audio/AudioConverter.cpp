@@ -12,6 +12,7 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 #include "platform/foundation/SerialQueue.h"
 #include "platform/media/Asset.h"
 
@@ -27,7 +28,6 @@ namespace ConversionEngine {
 
 namespace {
 
-const QString memoryPressureNotification = QStringLiteral("memoryPressureDetected");
 constexpr int defaultPoolSize = 50;
 constexpr int defaultActiveBuffers = 20;
 constexpr int streamingBufferSize = 4096;
@@ -115,7 +115,7 @@ void AudioConverter::observeMemoryPressure()
     // The handler holds the converter weakly: a notification that arrives late does nothing.
     const QPointer<AudioConverter> weakSelf(this);
     platform::NotificationCenter::defaultCenter().addObserver(
-        this, memoryPressureNotification, nullptr,
+        this, platform::NotificationNames::memoryPressureDetected, nullptr,
         [weakSelf](const platform::NotificationCenter::Notification&) {
             platform::MainQueue::async([weakSelf] {
                 if (weakSelf && weakSelf->m_memoryManager)

@@ -38,6 +38,17 @@ QString ErrorHandler::localizedDescription(const std::exception& error)
     return QString::fromUtf8(error.what());
 }
 
+QString ErrorHandler::localizedDescription(const std::exception_ptr& error)
+{
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& caught) {
+        return localizedDescription(caught);
+    } catch (...) {
+        return QStringLiteral("Unknown error");
+    }
+}
+
 ConversionError ErrorHandler::handleAVError(const std::exception& error)
 {
     const auto* mediaError = dynamic_cast<const platform::MediaError*>(&error);

@@ -13,6 +13,7 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -80,12 +81,11 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
     , m_outputDirectory(new OutputDirectoryModel(this))
     , m_metadataEditor(new MetadataEditorModel(m_fileList, this))
 {
-    connect(m_fileList, &FileListModel::selectedFilesChanged, this,
-            [this](const QStringList& files) {
-                emit selectedFilesChanged(files);
-                emit controlsChanged();
-                emit convertButtonChanged();
-            });
+    connect(m_fileList, &FileListModel::selectedFilesChanged, this, [this](const QStringList& files) {
+        emit selectedFilesChanged(files);
+        emit controlsChanged();
+        emit convertButtonChanged();
+    });
     connect(m_metadataEditor, &MetadataEditorModel::summaryChanged, this,
             &ContentViewModel::controlsChanged);
     connect(m_outputDirectory, &OutputDirectoryModel::alertRequested, this,
@@ -93,7 +93,8 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
 
     // Heard for the whole life of the window; it only leaves a line.
     NotificationCenter::defaultCenter().addObserver(
-        this, memoryPressureNotification, nullptr, [](const NotificationCenter::Notification&) {
+        this, platform::NotificationNames::memoryPressureDetected, nullptr,
+        [](const NotificationCenter::Notification&) {
             Console::print(QStringLiteral("⚠️ Memory pressure detected in ContentView"));
         });
 }
@@ -151,9 +152,10 @@ void ContentViewModel::listenForFilesFromFinder()
 {
     QPointer<ContentViewModel> self(this);
     NotificationCenter::defaultCenter().addObserver(
-        this, addFilesNotification, nullptr,
+        this, platform::NotificationNames::addFilesFromFinder, nullptr,
         [self](const NotificationCenter::Notification& notification) {
-            const QVariant files = notification.userInfo.value(addFilesKey);
+            const QVariant files =
+                notification.userInfo.value(platform::NotificationNames::filesKey);
             if (files.typeId() != QMetaType::QStringList)
                 return;
             const QStringList paths = files.toStringList();
@@ -178,7 +180,7 @@ void ContentViewModel::addFiles(const QStringList& paths)
 
 void ContentViewModel::addFromFinder(const QStringList& paths)
 {
-    const QStringList unlisted = m_fileList->unlistedFiles(paths);
+    const QStringList unlisted = m_fileList->unselectedFiles(paths);
     if (unlisted.isEmpty())
         return;
     addSupportedAndReport(unlisted);

@@ -137,12 +137,6 @@ public:
         MediaConverter::DeinterlacingMap deinterlacingSettings;
     };
 
-    static inline const QString addFilesNotification = QStringLiteral("AddFilesFromFinder");
-    // The notification's user info holds the files under this key, as a QStringList of paths.
-    static inline const QString addFilesKey = QStringLiteral("files");
-    static inline const QString memoryPressureNotification =
-        QStringLiteral("memoryPressureDetected");
-
     // All settings start at their initial values (WAV, PCM 24-bit at 48 kHz, H.264 at 1080p,
     // CRF 23 …); the first appearance replaces most of them by the first preset. Listens for
     // memory pressure from here on. `presetStore` is shared and must outlive this object.
