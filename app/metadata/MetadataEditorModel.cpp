@@ -345,7 +345,7 @@ QString MetadataEditorModel::creationDateSummary() const
 
 void MetadataEditorModel::applyMetadataChanges()
 {
-    const QStringList files = m_files ? m_files->selectedFiles() : QStringList();
+    const QStringList files = m_files ? m_files->listedFiles() : QStringList();
     if (files.isEmpty())
         return;
     const QCborMap metadata = buildMetadataDictionary();

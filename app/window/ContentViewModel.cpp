@@ -81,8 +81,8 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
     , m_outputDirectory(new OutputDirectoryModel(this))
     , m_metadataEditor(new MetadataEditorModel(m_fileList, this))
 {
-    connect(m_fileList, &FileListModel::selectedFilesChanged, this, [this](const QStringList& files) {
-        emit selectedFilesChanged(files);
+    connect(m_fileList, &FileListModel::listedFilesChanged, this, [this](const QStringList& files) {
+        emit listedFilesChanged(files);
         emit controlsChanged();
         emit convertButtonChanged();
     });
@@ -111,9 +111,9 @@ MediaConverter* ContentViewModel::mediaConverter()
     return m_mediaConverter;
 }
 
-QStringList ContentViewModel::selectedFiles() const
+QStringList ContentViewModel::listedFiles() const
 {
-    return m_fileList->selectedFiles();
+    return m_fileList->listedFiles();
 }
 
 QString ContentViewModel::outputDirectory() const
@@ -180,7 +180,7 @@ void ContentViewModel::addFiles(const QStringList& paths)
 
 void ContentViewModel::addFromFinder(const QStringList& paths)
 {
-    const QStringList unlisted = m_fileList->unselectedFiles(paths);
+    const QStringList unlisted = m_fileList->unlistedFiles(paths);
     if (unlisted.isEmpty())
         return;
     addSupportedAndReport(unlisted);
@@ -565,7 +565,7 @@ QString ContentViewModel::outputPreview() const
     inputs.createSubfolders = m_createSubfolders;
     inputs.includeSettingsInFilename = m_includeSettingsInFilename;
     if (!m_fileList->isEmpty())
-        inputs.firstFile = m_fileList->selectedFiles().front();
+        inputs.firstFile = m_fileList->listedFiles().front();
     inputs.creationDateText = m_metadataEditor->creationDateText();
     return OutputPreview::text(inputs);
 }
@@ -639,7 +639,7 @@ MediaConverter::DeinterlacingMap ContentViewModel::buildDeinterlacingSettings() 
 {
     // No detection takes part: every file gets the same entry, or none.
     MediaConverter::DeinterlacingMap map;
-    for (const QString& file : m_fileList->selectedFiles()) {
+    for (const QString& file : m_fileList->listedFiles()) {
         if (m_selectedInterlacingHandlingMode == InterlacingHandlingMode::makeProgressive) {
             DeinterlacingSettings settings;
             settings.shouldDeinterlace = true;
@@ -660,7 +660,7 @@ bool ContentViewModel::wouldOverwriteOriginals() const
     if (m_includeSettingsInFilename)
         return false;
     const QString extension = fileExtension(m_selectedOutputFormat).toLower();
-    for (const QString& file : m_fileList->selectedFiles()) {
+    for (const QString& file : m_fileList->listedFiles()) {
         const QString folder = parentOf(file);
         const QString destination = m_useSourceDirectory ? folder : outputDirectory();
         if (destination == folder && FileListRules::pathExtension(file).toLower() == extension)
@@ -672,7 +672,7 @@ bool ContentViewModel::wouldOverwriteOriginals() const
 void ContentViewModel::startConversion()
 {
     QStringList names;
-    for (const QString& file : m_fileList->selectedFiles())
+    for (const QString& file : m_fileList->listedFiles())
         names.append(fileNameOf(file));
     Console::print(QStringLiteral("🚀 Starting conversion:"));
     Console::print(QStringLiteral("   Selected resolution: ") +
@@ -696,7 +696,7 @@ void ContentViewModel::startConversion()
 
 void ContentViewModel::runConversion(const PendingConversion& conversion)
 {
-    const QStringList files = m_fileList->selectedFiles();
+    const QStringList files = m_fileList->listedFiles();
     QPointer<ContentViewModel> self(this);
 
     if (m_metadataEditor->isMetadataEditorExpanded() && !files.isEmpty()) {
