@@ -67,12 +67,14 @@ ConversionError ErrorHandler::handleAVError(const std::exception& error)
     case Code::fileAlreadyExists:
         // The error does not say which file, so the output is named by the relative path
         // "output file", which a file URL resolves against the working directory.
+        // Held by tst_errorhandler::existingOutputNamesAPlaceholderInTheWorkingDirectory.
         return ConversionError::outputLocationNotWritable(
             QDir::current().absoluteFilePath(QStringLiteral("output file")));
     case Code::invalidSourceMedia:
         return ConversionError::invalidFileStructure(QStringLiteral("Invalid source media"));
     case Code::diskFull:
         // Nor does it say how much room was wanted or left: both sizes read 0.
+        // Held by tst_errorhandler::mediaErrorsMapByCode.
         return ConversionError::insufficientDiskSpace(0, 0);
     default:
         return ConversionError::conversionFailed(QStringLiteral("AVFoundation error: ") +

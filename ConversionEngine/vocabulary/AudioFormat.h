@@ -21,6 +21,7 @@ enum class AudioFormat
 };
 
 // "aiff", "wav", "m4a", "CAF": the CAF value is upper case on purpose.
+// Held by tst_enginevocabulary::audioFormatTable.
 QString rawValue(AudioFormat format);
 // Exact, case-sensitive lookup: "caf" finds nothing, "CAF" finds caf.
 std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw);

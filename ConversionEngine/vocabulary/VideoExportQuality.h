@@ -1,5 +1,6 @@
 // The quality names of a whole-file export, each standing for an export preset of the media
-// layer. `high` stands for a fixed 1920×1080 preset on purpose. Plain value; any thread.
+// layer. `high` stands for a fixed 1920×1080 preset on purpose (held by
+// tst_enginevocabulary::videoExportQualityTable). Plain value; any thread.
 #pragma once
 
 #include "ConversionEngine/vocabulary/EnumTable.h"
