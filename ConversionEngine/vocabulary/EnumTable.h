@@ -56,21 +56,24 @@ public:
         return true;
     }
 
-    constexpr const Row& row(Enum value) const
+    // The row of `value`; nullptr for a value outside the declared cases (a cast integer).
+    constexpr const Row* row(Enum value) const
     {
         for (const Row& candidate : m_rows)
             if (candidate.value == value)
-                return candidate;
-        return m_rows[0]; // not reached for a declared case: every case has its row
+                return &candidate;
+        return nullptr;
     }
 
-    // The raw value: a QString for a text, else the number.
+    // The raw value: a QString for a text, else the number; empty or 0 outside the declared
+    // cases, as a switch over the cases would give.
     auto rawValue(Enum value) const
     {
+        const Row* found = row(value);
         if constexpr (std::is_same_v<Raw, QStringView>)
-            return row(value).raw.toString();
+            return found ? found->raw.toString() : QString();
         else
-            return row(value).raw;
+            return found ? found->raw : Raw{};
     }
 
     // Exact lookup: a text matches case-sensitively, a number only when equal.
@@ -86,13 +89,15 @@ public:
     // The display text, or the raw text where the row gives none.
     QString displayText(Enum value) const
     {
-        const Row& found = row(value);
-        if (!found.display.isNull())
-            return found.display.toString();
+        const Row* found = row(value);
+        if (found == nullptr)
+            return {};
+        if (!found->display.isNull())
+            return found->display.toString();
         if constexpr (std::is_same_v<Raw, QStringView>)
-            return found.raw.toString();
+            return found->raw.toString();
         else
-            return QString::number(found.raw);
+            return QString::number(found->raw);
     }
 
 private:
