@@ -314,7 +314,8 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
     platform::SerialQueue mediaInputQueue(QStringLiteral("mediaInputQueue"));
     const auto resumer = std::make_shared<Resumer>();
     std::shared_ptr<AudioSamplePump> pump;
-    // A named awaiter: a temporary one would be destroyed twice by this compiler.
+    // Named: an awaiter made from a capturing lambda is never awaited as a temporary (decisions.md,
+    // Coroutines).
     PumpSuspension suspension{[&](Resumer::Continuation continuation) {
         AudioSamplePump::Parameters parameters;
         parameters.endpoints =
