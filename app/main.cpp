@@ -37,9 +37,8 @@ void dumpFileListOnChange(Ondrilet::ContentViewModel& model)
             file.write(path.toUtf8() + '\n');
         file.commit();
     };
-    QObject::connect(model.fileList(), &Ondrilet::FileListModel::selectedFilesChanged, &model,
-                     dump);
-    dump(model.selectedFiles());
+    QObject::connect(model.fileList(), &Ondrilet::FileListModel::listedFilesChanged, &model, dump);
+    dump(model.listedFiles());
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "cli/MeasureCommand.h"
 
 #include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/errors/ErrorHandler.h"
 #include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 #include "ConversionEngine/level/PeakLevelPass.h"
 #include "cli/MeasureReport.h"
 #include "cli/TerminalOutput.h"
-#include "platform/foundation/FileSystemError.h"
-#include "platform/media/MediaError.h"
 
 #include <exception>
 
@@ -31,23 +30,17 @@ QCoro::Task<int> MeasureCommand::run(QString file, TerminalOutput* terminal)
 
 QString MeasureCommand::failureText(const std::exception_ptr& error)
 {
+    QString text = ConversionEngine::ErrorHandler::localizedDescription(error);
     try {
         std::rethrow_exception(error);
     } catch (const ConversionEngine::ConversionError& conversionError) {
-        QString text = conversionError.errorDescription();
+        // A terminal has room for the advice, as the window's alert does.
         const QString suggestion = conversionError.recoverySuggestion();
         if (!suggestion.isEmpty())
             text += QStringLiteral("\n\n") + suggestion;
-        return text;
-    } catch (const platform::MediaError& mediaError) {
-        return mediaError.localizedDescription();
-    } catch (const platform::FileSystemError& fileError) {
-        return fileError.localizedDescription();
-    } catch (const std::exception& other) {
-        return QString::fromUtf8(other.what());
     } catch (...) {
-        return QStringLiteral("The measurement failed.");
     }
+    return text;
 }
 
 } // namespace Ondrilet

@@ -1,31 +1,22 @@
 #include "cli/TerminalOutput.h"
 
+#include "platform/foundation/TerminalStreams.h"
+
 #include <QtGlobal>
 
-#include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace Ondrilet {
+
+using platform::TerminalStreams;
 
 namespace {
 
 const QByteArray eraseLine = QByteArrayLiteral("\r\033[K");
 
-void writeAll(int fd, const char* data, qsizetype size)
+void writeAll(TerminalStreams::Stream stream, const QByteArray& bytes)
 {
-    while (size > 0) {
-        const ssize_t written = ::write(fd, data, size_t(size));
-        if (written < 0) {
-            if (errno == EINTR)
-                continue;
-            return;
-        }
-        data += written;
-        size -= written;
-    }
+    TerminalStreams::writeAll(stream, bytes.constData(), bytes.size());
 }
 
 TerminalOutput* messageWriter = nullptr;
@@ -36,15 +27,14 @@ void writeQtMessage(QtMsgType type, const QMessageLogContext& context, const QSt
     if (messageWriter) {
         messageWriter->writeError(text);
     } else {
-        const QByteArray bytes = text.toUtf8() + '\n';
-        writeAll(STDERR_FILENO, bytes.constData(), bytes.size());
+        writeAll(TerminalStreams::Stream::error, text.toUtf8() + '\n');
     }
 }
 
 } // namespace
 
 TerminalOutput::TerminalOutput()
-    : m_errorIsTerminal(::isatty(STDERR_FILENO) == 1)
+    : m_errorIsTerminal(TerminalStreams::isTerminal(TerminalStreams::Stream::error))
 {}
 
 TerminalOutput::~TerminalOutput()
@@ -65,61 +55,30 @@ void TerminalOutput::takeOverQtMessages()
 
 int TerminalOutput::columns() const
 {
-    winsize size{};
-    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-    return 80;
+    const int width = TerminalStreams::errorColumns();
+    return width > 0 ? width : 80;
 }
 
 void TerminalOutput::startRelay()
 {
-    if (m_relay.joinable() || !m_errorIsTerminal || ::isatty(STDOUT_FILENO) != 1)
+    if (m_relay.isRunning() || !m_errorIsTerminal ||
+        !TerminalStreams::isTerminal(TerminalStreams::Stream::output))
         return;
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        return;
-    std::fflush(stdout);
-    m_terminalOutput = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
-    if (m_terminalOutput < 0 || ::dup2(ends[1], STDOUT_FILENO) < 0) {
-        ::close(ends[0]);
-        ::close(ends[1]);
-        if (m_terminalOutput >= 0)
-            ::close(m_terminalOutput);
-        m_terminalOutput = -1;
-        return;
-    }
-    ::close(ends[1]);
-    m_relay = std::thread([this, readEnd = ends[0]] { relayLoop(readEnd); });
+    m_relay.start([this](const char* data, qsizetype size) { relayChunk(data, size); });
 }
 
 void TerminalOutput::stopRelay()
 {
-    if (!m_relay.joinable())
-        return;
-    std::fflush(stdout);
-    // Giving standard output back closes the pipe's last writer: the relay reads to its end.
-    ::dup2(m_terminalOutput, STDOUT_FILENO);
-    m_relay.join();
-    ::close(m_terminalOutput);
-    m_terminalOutput = -1;
+    m_relay.stop();
 }
 
-void TerminalOutput::relayLoop(int readEnd)
+void TerminalOutput::relayChunk(const char* data, qsizetype size)
 {
-    char buffer[4096];
-    for (;;) {
-        const ssize_t count = ::read(readEnd, buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            break;
-        const std::lock_guard lock(m_mutex);
-        eraseLocked();
-        writeAll(m_terminalOutput, buffer, count);
-        m_atLineStart = buffer[count - 1] == '\n';
-        drawLocked();
-    }
-    ::close(readEnd);
+    const std::lock_guard lock(m_mutex);
+    eraseLocked();
+    m_relay.writeToOutput(data, size);
+    m_atLineStart = data[size - 1] == '\n';
+    drawLocked();
 }
 
 void TerminalOutput::setStatusLine(const QString& line)
@@ -151,7 +110,7 @@ void TerminalOutput::writeErrorBytes(const QByteArray& bytes)
     const std::lock_guard lock(m_mutex);
     eraseLocked();
     std::fflush(stderr);
-    writeAll(STDERR_FILENO, bytes.constData(), bytes.size());
+    writeAll(TerminalStreams::Stream::error, bytes);
     drawLocked();
 }
 
@@ -167,8 +126,7 @@ void TerminalOutput::drawLocked()
     // A half-written console line keeps the cursor; the line is drawn once it is complete.
     if (m_statusLine.isEmpty() || !m_atLineStart)
         return;
-    const QByteArray line = eraseLine + m_statusLine;
-    writeAll(STDERR_FILENO, line.constData(), line.size());
+    writeAll(TerminalStreams::Stream::error, eraseLine + m_statusLine);
     m_statusShown = true;
 }
 
@@ -176,7 +134,7 @@ void TerminalOutput::eraseLocked()
 {
     if (!m_statusShown)
         return;
-    writeAll(STDERR_FILENO, eraseLine.constData(), eraseLine.size());
+    writeAll(TerminalStreams::Stream::error, eraseLine);
     m_statusShown = false;
 }
 

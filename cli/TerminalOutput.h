@@ -5,11 +5,12 @@
 // Main thread, apart from the relay's own thread, which only this class runs.
 #pragma once
 
+#include "platform/foundation/StandardOutputRelay.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <mutex>
-#include <thread>
 
 namespace Ondrilet {
 
@@ -44,7 +45,7 @@ public:
     static void writeOutput(const QString& text);
 
 private:
-    void relayLoop(int readEnd);
+    void relayChunk(const char* data, qsizetype size);
     void writeErrorBytes(const QByteArray& bytes);
     void drawLocked();
     void eraseLocked();
@@ -55,8 +56,8 @@ private:
     QByteArray m_statusLine; // guarded by m_mutex
     bool m_statusShown = false;
     bool m_atLineStart = true; // of the relayed output
-    int m_terminalOutput = -1; // the real standard output while relaying
-    std::thread m_relay;
+    // Last, so that it stops (passing on what it holds) while the members above still exist.
+    platform::StandardOutputRelay m_relay;
 };
 
 } // namespace Ondrilet

@@ -12,6 +12,7 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 #include "platform/foundation/SerialQueue.h"
 #include "platform/media/Asset.h"
 
@@ -27,7 +28,6 @@ namespace ConversionEngine {
 
 namespace {
 
-const QString memoryPressureNotification = QStringLiteral("memoryPressureDetected");
 constexpr int defaultPoolSize = 50;
 constexpr int defaultActiveBuffers = 20;
 constexpr int streamingBufferSize = 4096;
@@ -115,7 +115,7 @@ void AudioConverter::observeMemoryPressure()
     // The handler holds the converter weakly: a notification that arrives late does nothing.
     const QPointer<AudioConverter> weakSelf(this);
     platform::NotificationCenter::defaultCenter().addObserver(
-        this, memoryPressureNotification, nullptr,
+        this, platform::NotificationNames::memoryPressureDetected, nullptr,
         [weakSelf](const platform::NotificationCenter::Notification&) {
             platform::MainQueue::async([weakSelf] {
                 if (weakSelf && weakSelf->m_memoryManager)
@@ -314,7 +314,8 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
     platform::SerialQueue mediaInputQueue(QStringLiteral("mediaInputQueue"));
     const auto resumer = std::make_shared<Resumer>();
     std::shared_ptr<AudioSamplePump> pump;
-    // A named awaiter: a temporary one would be destroyed twice by this compiler.
+    // Named: an awaiter made from a capturing lambda is never awaited as a temporary (decisions.md,
+    // Coroutines).
     PumpSuspension suspension{[&](Resumer::Continuation continuation) {
         AudioSamplePump::Parameters parameters;
         parameters.endpoints =

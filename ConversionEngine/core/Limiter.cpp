@@ -59,6 +59,7 @@ void scaleAndClip(unsigned char* bytes, std::size_t count, float gain)
 Limiter::Path Limiter::pathFor(float lufsGain, float dbfsGain)
 {
     // Exact comparison on purpose: a gain that works out to exactly 1.0 also switches off the clip.
+    // Held by tst_limiter::pathFollowsTheGains.
     if (lufsGain != 1.0f)
         return Path::loudness;
     if (dbfsGain != 1.0f)

@@ -2,33 +2,17 @@
 
 #include "ConversionEngine/errors/MediaFileError.h"
 #include "platform/foundation/FileSystemError.h"
+#include "platform/foundation/PathAccess.h"
 #include "platform/media/MediaError.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-
-#include <cerrno>
-#include <limits>
-#include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace ConversionEngine {
 
 namespace {
 
 constexpr qint64 bytesPerMB = 1048576;
-
-bool pathExists(const QString& path)
-{
-    // Follows symbolic links: a link to nothing is no file.
-    return ::access(QFile::encodeName(path).constData(), F_OK) == 0;
-}
-
-bool pathAllows(const QString& path, int mode)
-{
-    return ::access(QFile::encodeName(path).constData(), mode) == 0;
-}
 
 std::optional<int> codeOf(const std::exception& error)
 {
@@ -54,6 +38,17 @@ QString ErrorHandler::localizedDescription(const std::exception& error)
     return QString::fromUtf8(error.what());
 }
 
+QString ErrorHandler::localizedDescription(const std::exception_ptr& error)
+{
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& caught) {
+        return localizedDescription(caught);
+    } catch (...) {
+        return QStringLiteral("Unknown error");
+    }
+}
+
 ConversionError ErrorHandler::handleAVError(const std::exception& error)
 {
     const auto* mediaError = dynamic_cast<const platform::MediaError*>(&error);
@@ -72,12 +67,14 @@ ConversionError ErrorHandler::handleAVError(const std::exception& error)
     case Code::fileAlreadyExists:
         // The error does not say which file, so the output is named by the relative path
         // "output file", which a file URL resolves against the working directory.
+        // Held by tst_errorhandler::existingOutputNamesAPlaceholderInTheWorkingDirectory.
         return ConversionError::outputLocationNotWritable(
             QDir::current().absoluteFilePath(QStringLiteral("output file")));
     case Code::invalidSourceMedia:
         return ConversionError::invalidFileStructure(QStringLiteral("Invalid source media"));
     case Code::diskFull:
         // Nor does it say how much room was wanted or left: both sizes read 0.
+        // Held by tst_errorhandler::mediaErrorsMapByCode.
         return ConversionError::insufficientDiskSpace(0, 0);
     default:
         return ConversionError::conversionFailed(QStringLiteral("AVFoundation error: ") +
@@ -105,19 +102,7 @@ ConversionError ErrorHandler::handleFileSystemError(const std::exception& error,
 
 std::optional<qint64> ErrorHandler::availableCapacityForImportantUsage(const QString& url)
 {
-    struct statvfs volume = {};
-    if (::statvfs(QFile::encodeName(url).constData(), &volume) != 0)
-        throw platform::FileSystemError(errno, platform::FileSystemError::Operation::read, url);
-    if (volume.f_blocks == 0)
-        return std::nullopt;
-
-    // Blocks free to an unprivileged user: the root reserve is not room a conversion can use.
-    const auto maximum = static_cast<unsigned long long>(std::numeric_limits<qint64>::max());
-    const unsigned long long blockBytes = volume.f_frsize;
-    const unsigned long long blocks = volume.f_bavail;
-    if (blockBytes != 0 && blocks > maximum / blockBytes)
-        return std::numeric_limits<qint64>::max();
-    return static_cast<qint64>(blocks * blockBytes);
+    return platform::PathAccess::availableBytes(url);
 }
 
 void ErrorHandler::checkCapacity(std::optional<qint64> availableBytes, qint64 requiredBytes)
@@ -136,16 +121,17 @@ void ErrorHandler::checkDiskSpace(const QString& url, qint64 requiredBytes)
 
 void ErrorHandler::validateInputFile(const QString& url)
 {
-    if (!pathExists(url))
+    if (!platform::PathAccess::exists(url))
         throw ConversionError::inputFileNotFound(url);
-    if (!pathAllows(url, R_OK))
+    if (!platform::PathAccess::allows(url, platform::PathAccess::read))
         throw ConversionError::permissionDenied(QStringLiteral("Cannot read input file"));
 }
 
 void ErrorHandler::validateOutputLocation(const QString& url)
 {
     const QString directory = QFileInfo(url).path();
-    if (!pathExists(directory) || !pathAllows(directory, W_OK))
+    if (!platform::PathAccess::exists(directory) ||
+        !platform::PathAccess::allows(directory, platform::PathAccess::write))
         throw ConversionError::outputLocationNotWritable(directory);
 }
 

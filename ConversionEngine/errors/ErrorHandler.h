@@ -36,8 +36,10 @@ public:
     static void validateOutputLocation(const QString& url);
 
     // The text a person reads for any error: the error's own description where it has one,
-    // else its what().
+    // else its what(). Every caught error becomes text through these two.
     static QString localizedDescription(const std::exception& error);
+    // The same for whatever was caught; "Unknown error" for what is no std::exception.
+    static QString localizedDescription(const std::exception_ptr& error);
 
     // Bytes free to an ordinary user on the volume holding `url`; nothing when the volume
     // reports no capacity (as virtual file systems do). Throws platform::FileSystemError.

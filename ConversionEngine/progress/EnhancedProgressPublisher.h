@@ -38,6 +38,7 @@ public:
                     double weight);
     // Forgets `id` and recomputes. The removed tracker's subscriptions stay on purpose: its later
     // changes still trigger recomputation and still write the status and the heartbeat flag.
+    // Held by tst_enhancedprogresspublisher::removingTheLastTrackerKeepsTheStatus.
     void removeTracker(const QString& id);
     // Forgets every tracker and shows "Ready"; subscriptions stay, as on removal.
     void clearTrackers();

@@ -70,6 +70,7 @@ public:
     void setProgressValidationEnabled(bool enabled) { m_progressValidationEnabled = enabled; }
 
     // Begins tracking at `phase`. The metrics are deliberately kept from any earlier conversion.
+    // Held by tst_enhancedprogresstracker::metricsCarryOverOnAReusedTracker.
     void startTracking(ConversionPhase phase, CancellationCallback cancellationCallback = {});
     // Accepts any number: it is cleaned first. Without a message the phase's default text shows.
     void updateProgress(double progress, const std::optional<QString>& message = std::nullopt,

@@ -4,10 +4,7 @@ namespace ConversionEngine {
 
 std::optional<AudioBitrate> audioBitrateFromRawValue(int bitsPerSecond)
 {
-    for (AudioBitrate bitrate : allAudioBitrates())
-        if (rawValue(bitrate) == bitsPerSecond)
-            return bitrate;
-    return std::nullopt;
+    return audioBitrateTable.fromRawValue(bitsPerSecond);
 }
 
 QString displayName(AudioBitrate bitrate)

@@ -2,6 +2,8 @@
 // membership tests say which rates suit which codec; no conversion consults them. Any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -35,14 +37,23 @@ bool isOptimalForHEAACv2(AudioBitrate bitrate);
 bool isOptimalForHEAAC(AudioBitrate bitrate);
 bool isOptimalForAAC(AudioBitrate bitrate);
 
-inline const std::array<AudioBitrate, 9>& allAudioBitrates()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioBitrateTable = enumTable<AudioBitrate, int>({
+    {AudioBitrate::kbps16, 16000},
+    {AudioBitrate::kbps24, 24000},
+    {AudioBitrate::kbps32, 32000},
+    {AudioBitrate::kbps48, 48000},
+    {AudioBitrate::kbps64, 64000},
+    {AudioBitrate::kbps128, 128000},
+    {AudioBitrate::kbps192, 192000},
+    {AudioBitrate::kbps256, 256000},
+    {AudioBitrate::kbps320, 320000},
+});
+static_assert(audioBitrateTable.hasDistinctCases() && audioBitrateTable.rawValuesAreEnumerators());
+
+inline const auto& allAudioBitrates()
 {
-    static constexpr std::array<AudioBitrate, 9> cases{
-        AudioBitrate::kbps16,  AudioBitrate::kbps24,  AudioBitrate::kbps32,
-        AudioBitrate::kbps48,  AudioBitrate::kbps64,  AudioBitrate::kbps128,
-        AudioBitrate::kbps192, AudioBitrate::kbps256, AudioBitrate::kbps320,
-    };
-    return cases;
+    return audioBitrateTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -2,6 +2,8 @@
 // unlike the application's. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,12 +24,19 @@ QString rawValue(AudioCodec codec);
 // Exact, case-sensitive lookup: "AAC" finds nothing.
 std::optional<AudioCodec> audioCodecFromRawValue(const QString& raw);
 
-inline const std::array<AudioCodec, 5>& allAudioCodecs()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioCodecTable = enumTable<AudioCodec, QStringView>({
+    {AudioCodec::aac, u"aac"},
+    {AudioCodec::alac, u"alac"},
+    {AudioCodec::pcm, u"pcm"},
+    {AudioCodec::heAac, u"HE-AAC"},
+    {AudioCodec::heAacV2, u"HE-AAC v2"},
+});
+static_assert(audioCodecTable.hasDistinctCases());
+
+inline const auto& allAudioCodecs()
 {
-    static constexpr std::array<AudioCodec, 5> cases{
-        AudioCodec::aac, AudioCodec::alac, AudioCodec::pcm, AudioCodec::heAac, AudioCodec::heAacV2,
-    };
-    return cases;
+    return audioCodecTable.allCases();
 }
 
 } // namespace ConversionEngine

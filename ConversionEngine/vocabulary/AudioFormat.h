@@ -2,6 +2,7 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "platform/media/FileType.h"
 
 #include <QString>
@@ -20,6 +21,7 @@ enum class AudioFormat
 };
 
 // "aiff", "wav", "m4a", "CAF": the CAF value is upper case on purpose.
+// Held by tst_enginevocabulary::audioFormatTable.
 QString rawValue(AudioFormat format);
 // Exact, case-sensitive lookup: "caf" finds nothing, "CAF" finds caf.
 std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw);
@@ -27,15 +29,18 @@ platform::FileType fileType(AudioFormat format);
 // True for m4a only, decided by the raw value.
 bool isCompressed(AudioFormat format);
 
-inline const std::array<AudioFormat, 4>& allAudioFormats()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioFormatTable = enumTable<AudioFormat, QStringView>({
+    {AudioFormat::aiff, u"aiff"},
+    {AudioFormat::wav, u"wav"},
+    {AudioFormat::m4a, u"m4a"},
+    {AudioFormat::caf, u"CAF"},
+});
+static_assert(audioFormatTable.hasDistinctCases());
+
+inline const auto& allAudioFormats()
 {
-    static constexpr std::array<AudioFormat, 4> cases{
-        AudioFormat::aiff,
-        AudioFormat::wav,
-        AudioFormat::m4a,
-        AudioFormat::caf,
-    };
-    return cases;
+    return audioFormatTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -4,10 +4,7 @@ namespace ConversionEngine {
 
 std::optional<BitDepth> bitDepthFromRawValue(int bits)
 {
-    for (BitDepth depth : allBitDepths())
-        if (rawValue(depth) == bits)
-            return depth;
-    return std::nullopt;
+    return bitDepthTable.fromRawValue(bits);
 }
 
 } // namespace ConversionEngine

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <array>
 #include <optional>
 
@@ -21,10 +23,16 @@ constexpr int rawValue(BitDepth depth)
 // Any number other than 16 or 24 finds no case.
 std::optional<BitDepth> bitDepthFromRawValue(int bits);
 
-inline const std::array<BitDepth, 2>& allBitDepths()
+// Every case in declared order, with its raw value.
+inline constexpr auto bitDepthTable = enumTable<BitDepth, int>({
+    {BitDepth::depth16, 16},
+    {BitDepth::depth24, 24},
+});
+static_assert(bitDepthTable.hasDistinctCases() && bitDepthTable.rawValuesAreEnumerators());
+
+inline const auto& allBitDepths()
 {
-    static constexpr std::array<BitDepth, 2> cases{BitDepth::depth16, BitDepth::depth24};
-    return cases;
+    return bitDepthTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -25,27 +25,12 @@ QString shortName(DeinterlacingMethod method)
 
 QString rawValue(DeinterlacingMethod method)
 {
-    switch (method) {
-    case DeinterlacingMethod::yadif:
-        return QStringLiteral("YADIF (Yet Another Deinterlacing Filter)");
-    case DeinterlacingMethod::bwdif:
-        return QStringLiteral("BWDIF (Bob Weaver Deinterlacing Filter)");
-    case DeinterlacingMethod::w3fdif:
-        return QStringLiteral("W3FDIF (Weighted 3-Field Deinterlacing)");
-    case DeinterlacingMethod::linearBlend:
-        return QStringLiteral("Linear Blend");
-    case DeinterlacingMethod::bob:
-        return QStringLiteral("Bob (Simple Field Doubling)");
-    }
-    return {};
+    return deinterlacingMethodTable.rawValue(method);
 }
 
 std::optional<DeinterlacingMethod> deinterlacingMethodFromRawValue(const QString& raw)
 {
-    for (DeinterlacingMethod method : allDeinterlacingMethods())
-        if (rawValue(method) == raw)
-            return method;
-    return std::nullopt;
+    return deinterlacingMethodTable.fromRawValue(raw);
 }
 
 int speedRating(DeinterlacingMethod method)

@@ -2,6 +2,8 @@
 // ratings. Nothing carries a filter out; only the choice and its texts exist. Any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -30,13 +32,19 @@ QString performanceText(DeinterlacingMethod method);
 QString description(DeinterlacingMethod method);
 QString recommendedFor(DeinterlacingMethod method);
 
-inline const std::array<DeinterlacingMethod, 5>& allDeinterlacingMethods()
+// Every case in declared order, with its raw value.
+inline constexpr auto deinterlacingMethodTable = enumTable<DeinterlacingMethod, QStringView>({
+    {DeinterlacingMethod::yadif, u"YADIF (Yet Another Deinterlacing Filter)"},
+    {DeinterlacingMethod::bwdif, u"BWDIF (Bob Weaver Deinterlacing Filter)"},
+    {DeinterlacingMethod::w3fdif, u"W3FDIF (Weighted 3-Field Deinterlacing)"},
+    {DeinterlacingMethod::linearBlend, u"Linear Blend"},
+    {DeinterlacingMethod::bob, u"Bob (Simple Field Doubling)"},
+});
+static_assert(deinterlacingMethodTable.hasDistinctCases());
+
+inline const auto& allDeinterlacingMethods()
 {
-    static constexpr std::array<DeinterlacingMethod, 5> cases{
-        DeinterlacingMethod::yadif,       DeinterlacingMethod::bwdif, DeinterlacingMethod::w3fdif,
-        DeinterlacingMethod::linearBlend, DeinterlacingMethod::bob,
-    };
-    return cases;
+    return deinterlacingMethodTable.allCases();
 }
 
 } // namespace ConversionEngine

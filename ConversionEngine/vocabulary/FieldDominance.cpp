@@ -4,28 +4,12 @@ namespace ConversionEngine {
 
 QString caseName(FieldDominance dominance)
 {
-    switch (dominance) {
-    case FieldDominance::progressive:
-        return QStringLiteral("progressive");
-    case FieldDominance::topFieldFirst:
-        return QStringLiteral("topFieldFirst");
-    case FieldDominance::bottomFieldFirst:
-        return QStringLiteral("bottomFieldFirst");
-    }
-    return {};
+    return fieldDominanceTable.rawValue(dominance);
 }
 
 QString displayName(FieldDominance dominance)
 {
-    switch (dominance) {
-    case FieldDominance::progressive:
-        return QStringLiteral("Progressive");
-    case FieldDominance::topFieldFirst:
-        return QStringLiteral("Top Field First");
-    case FieldDominance::bottomFieldFirst:
-        return QStringLiteral("Bottom Field First");
-    }
-    return {};
+    return fieldDominanceTable.displayText(dominance);
 }
 
 QString shortName(FieldDominance dominance)

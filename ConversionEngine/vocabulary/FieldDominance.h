@@ -2,6 +2,8 @@
 // texts the front end shows for it. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,14 +24,17 @@ QString shortName(FieldDominance dominance);
 QString description(FieldDominance dominance);
 QString symbolName(FieldDominance dominance);
 
-inline const std::array<FieldDominance, 3>& allFieldDominances()
+// Every case in declared order, with its case name (the raw value) and display name.
+inline constexpr auto fieldDominanceTable = enumTable<FieldDominance, QStringView>({
+    {FieldDominance::progressive, u"progressive", u"Progressive"},
+    {FieldDominance::topFieldFirst, u"topFieldFirst", u"Top Field First"},
+    {FieldDominance::bottomFieldFirst, u"bottomFieldFirst", u"Bottom Field First"},
+});
+static_assert(fieldDominanceTable.hasDistinctCases());
+
+inline const auto& allFieldDominances()
 {
-    static constexpr std::array<FieldDominance, 3> cases{
-        FieldDominance::progressive,
-        FieldDominance::topFieldFirst,
-        FieldDominance::bottomFieldFirst,
-    };
-    return cases;
+    return fieldDominanceTable.allCases();
 }
 
 } // namespace ConversionEngine

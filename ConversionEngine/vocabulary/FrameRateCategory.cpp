@@ -4,25 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(FrameRateCategory category)
 {
-    switch (category) {
-    case FrameRateCategory::source:
-        return QStringLiteral("Source");
-    case FrameRateCategory::cinema:
-        return QStringLiteral("Cinema");
-    case FrameRateCategory::pal:
-        return QStringLiteral("PAL");
-    case FrameRateCategory::ntsc:
-        return QStringLiteral("NTSC");
-    }
-    return {};
+    return frameRateCategoryTable.rawValue(category);
 }
 
 std::optional<FrameRateCategory> frameRateCategoryFromRawValue(const QString& raw)
 {
-    for (FrameRateCategory category : allFrameRateCategories())
-        if (rawValue(category) == raw)
-            return category;
-    return std::nullopt;
+    return frameRateCategoryTable.fromRawValue(raw);
 }
 
 } // namespace ConversionEngine

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -20,15 +22,18 @@ enum class FrameRateCategory
 QString rawValue(FrameRateCategory category);
 std::optional<FrameRateCategory> frameRateCategoryFromRawValue(const QString& raw);
 
-inline const std::array<FrameRateCategory, 4>& allFrameRateCategories()
+// Every case in declared order, with its raw value.
+inline constexpr auto frameRateCategoryTable = enumTable<FrameRateCategory, QStringView>({
+    {FrameRateCategory::source, u"Source"},
+    {FrameRateCategory::cinema, u"Cinema"},
+    {FrameRateCategory::pal, u"PAL"},
+    {FrameRateCategory::ntsc, u"NTSC"},
+});
+static_assert(frameRateCategoryTable.hasDistinctCases());
+
+inline const auto& allFrameRateCategories()
 {
-    static constexpr std::array<FrameRateCategory, 4> cases{
-        FrameRateCategory::source,
-        FrameRateCategory::cinema,
-        FrameRateCategory::pal,
-        FrameRateCategory::ntsc,
-    };
-    return cases;
+    return frameRateCategoryTable.allCases();
 }
 
 } // namespace ConversionEngine

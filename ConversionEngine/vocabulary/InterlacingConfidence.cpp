@@ -4,25 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(InterlacingConfidence confidence)
 {
-    switch (confidence) {
-    case InterlacingConfidence::certain:
-        return QStringLiteral("Certain");
-    case InterlacingConfidence::likely:
-        return QStringLiteral("Likely");
-    case InterlacingConfidence::uncertain:
-        return QStringLiteral("Uncertain");
-    case InterlacingConfidence::progressive:
-        return QStringLiteral("Progressive");
-    }
-    return {};
+    return interlacingConfidenceTable.rawValue(confidence);
 }
 
 std::optional<InterlacingConfidence> interlacingConfidenceFromRawValue(const QString& raw)
 {
-    for (InterlacingConfidence confidence : allInterlacingConfidences())
-        if (rawValue(confidence) == raw)
-            return confidence;
-    return std::nullopt;
+    return interlacingConfidenceTable.fromRawValue(raw);
 }
 
 QString color(InterlacingConfidence confidence)

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,15 +24,18 @@ std::optional<InterlacingConfidence> interlacingConfidenceFromRawValue(const QSt
 // A colour name: "green", "yellow", "orange" or "blue".
 QString color(InterlacingConfidence confidence);
 
-inline const std::array<InterlacingConfidence, 4>& allInterlacingConfidences()
+// Every case in declared order, with its raw value.
+inline constexpr auto interlacingConfidenceTable = enumTable<InterlacingConfidence, QStringView>({
+    {InterlacingConfidence::certain, u"Certain"},
+    {InterlacingConfidence::likely, u"Likely"},
+    {InterlacingConfidence::uncertain, u"Uncertain"},
+    {InterlacingConfidence::progressive, u"Progressive"},
+});
+static_assert(interlacingConfidenceTable.hasDistinctCases());
+
+inline const auto& allInterlacingConfidences()
 {
-    static constexpr std::array<InterlacingConfidence, 4> cases{
-        InterlacingConfidence::certain,
-        InterlacingConfidence::likely,
-        InterlacingConfidence::uncertain,
-        InterlacingConfidence::progressive,
-    };
-    return cases;
+    return interlacingConfidenceTable.allCases();
 }
 
 } // namespace ConversionEngine

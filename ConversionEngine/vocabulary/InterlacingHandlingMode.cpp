@@ -4,21 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(InterlacingHandlingMode mode)
 {
-    switch (mode) {
-    case InterlacingHandlingMode::keepOriginal:
-        return QStringLiteral("Keep Original");
-    case InterlacingHandlingMode::makeProgressive:
-        return QStringLiteral("Make Progressive");
-    }
-    return {};
+    return interlacingHandlingModeTable.rawValue(mode);
 }
 
 std::optional<InterlacingHandlingMode> interlacingHandlingModeFromRawValue(const QString& raw)
 {
-    for (InterlacingHandlingMode mode : allInterlacingHandlingModes())
-        if (rawValue(mode) == raw)
-            return mode;
-    return std::nullopt;
+    return interlacingHandlingModeTable.fromRawValue(raw);
 }
 
 QString description(InterlacingHandlingMode mode)

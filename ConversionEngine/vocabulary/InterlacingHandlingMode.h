@@ -2,6 +2,8 @@
 // output. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -20,13 +22,17 @@ std::optional<InterlacingHandlingMode> interlacingHandlingModeFromRawValue(const
 // The explanation shown beside the choice.
 QString description(InterlacingHandlingMode mode);
 
-inline const std::array<InterlacingHandlingMode, 2>& allInterlacingHandlingModes()
+// Every case in declared order, with its raw value.
+inline constexpr auto interlacingHandlingModeTable =
+    enumTable<InterlacingHandlingMode, QStringView>({
+        {InterlacingHandlingMode::keepOriginal, u"Keep Original"},
+        {InterlacingHandlingMode::makeProgressive, u"Make Progressive"},
+    });
+static_assert(interlacingHandlingModeTable.hasDistinctCases());
+
+inline const auto& allInterlacingHandlingModes()
 {
-    static constexpr std::array<InterlacingHandlingMode, 2> cases{
-        InterlacingHandlingMode::keepOriginal,
-        InterlacingHandlingMode::makeProgressive,
-    };
-    return cases;
+    return interlacingHandlingModeTable.allCases();
 }
 
 } // namespace ConversionEngine

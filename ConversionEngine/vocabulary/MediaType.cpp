@@ -4,23 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(MediaType type)
 {
-    switch (type) {
-    case MediaType::video:
-        return QStringLiteral("Video");
-    case MediaType::audio:
-        return QStringLiteral("Audio");
-    case MediaType::unknown:
-        return QStringLiteral("Unknown");
-    }
-    return {};
+    return mediaTypeTable.rawValue(type);
 }
 
 std::optional<MediaType> mediaTypeFromRawValue(const QString& raw)
 {
-    for (MediaType type : allMediaTypes())
-        if (rawValue(type) == raw)
-            return type;
-    return std::nullopt;
+    return mediaTypeTable.fromRawValue(raw);
 }
 
 QString symbolName(MediaType type)

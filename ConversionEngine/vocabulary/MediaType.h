@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,14 +24,17 @@ std::optional<MediaType> mediaTypeFromRawValue(const QString& raw);
 // "video.fill", "music.note", "questionmark.circle".
 QString symbolName(MediaType type);
 
-inline const std::array<MediaType, 3>& allMediaTypes()
+// Every case in declared order, with its raw value.
+inline constexpr auto mediaTypeTable = enumTable<MediaType, QStringView>({
+    {MediaType::video, u"Video"},
+    {MediaType::audio, u"Audio"},
+    {MediaType::unknown, u"Unknown"},
+});
+static_assert(mediaTypeTable.hasDistinctCases());
+
+inline const auto& allMediaTypes()
 {
-    static constexpr std::array<MediaType, 3> cases{
-        MediaType::video,
-        MediaType::audio,
-        MediaType::unknown,
-    };
-    return cases;
+    return mediaTypeTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -4,21 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(ResolutionMode mode)
 {
-    switch (mode) {
-    case ResolutionMode::fit:
-        return QStringLiteral("Fit");
-    case ResolutionMode::crop:
-        return QStringLiteral("Crop");
-    }
-    return {};
+    return resolutionModeTable.rawValue(mode);
 }
 
 std::optional<ResolutionMode> resolutionModeFromRawValue(const QString& raw)
 {
-    for (ResolutionMode mode : allResolutionModes())
-        if (rawValue(mode) == raw)
-            return mode;
-    return std::nullopt;
+    return resolutionModeTable.fromRawValue(raw);
 }
 
 } // namespace ConversionEngine

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -18,10 +20,16 @@ enum class ResolutionMode
 QString rawValue(ResolutionMode mode);
 std::optional<ResolutionMode> resolutionModeFromRawValue(const QString& raw);
 
-inline const std::array<ResolutionMode, 2>& allResolutionModes()
+// Every case in declared order, with its raw value.
+inline constexpr auto resolutionModeTable = enumTable<ResolutionMode, QStringView>({
+    {ResolutionMode::fit, u"Fit"},
+    {ResolutionMode::crop, u"Crop"},
+});
+static_assert(resolutionModeTable.hasDistinctCases());
+
+inline const auto& allResolutionModes()
 {
-    static constexpr std::array<ResolutionMode, 2> cases{ResolutionMode::fit, ResolutionMode::crop};
-    return cases;
+    return resolutionModeTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -2,6 +2,8 @@
 // single-precision float. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <array>
 #include <optional>
 
@@ -19,14 +21,17 @@ float rawValue(SampleRate rate);
 // Only a value exactly equal to one of the three rates finds a case.
 std::optional<SampleRate> sampleRateFromRawValue(float hertz);
 
-inline const std::array<SampleRate, 3>& allSampleRates()
+// Every case in declared order, with its raw value.
+inline constexpr auto sampleRateTable = enumTable<SampleRate, float>({
+    {SampleRate::rate44100, 44100.0f},
+    {SampleRate::rate48000, 48000.0f},
+    {SampleRate::rate96000, 96000.0f},
+});
+static_assert(sampleRateTable.hasDistinctCases());
+
+inline const auto& allSampleRates()
 {
-    static constexpr std::array<SampleRate, 3> cases{
-        SampleRate::rate44100,
-        SampleRate::rate48000,
-        SampleRate::rate96000,
-    };
-    return cases;
+    return sampleRateTable.allCases();
 }
 
 } // namespace ConversionEngine

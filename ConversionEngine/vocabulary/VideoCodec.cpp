@@ -4,25 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(VideoCodec codec)
 {
-    switch (codec) {
-    case VideoCodec::h264:
-        return QStringLiteral("H.264");
-    case VideoCodec::hevc:
-        return QStringLiteral("HEVC");
-    case VideoCodec::prores422:
-        return QStringLiteral("ProRes 422");
-    case VideoCodec::prores4444:
-        return QStringLiteral("ProRes 4444");
-    }
-    return {};
+    return videoCodecTable.rawValue(codec);
 }
 
 std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw)
 {
-    for (VideoCodec codec : allVideoCodecs())
-        if (rawValue(codec) == raw)
-            return codec;
-    return std::nullopt;
+    return videoCodecTable.fromRawValue(raw);
 }
 
 platform::VideoCodecType codecType(VideoCodec codec)

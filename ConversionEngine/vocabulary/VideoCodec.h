@@ -2,6 +2,7 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "platform/media/VideoCodecType.h"
 
 #include <QString>
@@ -26,15 +27,18 @@ platform::VideoCodecType codecType(VideoCodec codec);
 // True for ProRes 4444 only, decided by the raw value.
 bool supportsAlpha(VideoCodec codec);
 
-inline const std::array<VideoCodec, 4>& allVideoCodecs()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoCodecTable = enumTable<VideoCodec, QStringView>({
+    {VideoCodec::h264, u"H.264"},
+    {VideoCodec::hevc, u"HEVC"},
+    {VideoCodec::prores422, u"ProRes 422"},
+    {VideoCodec::prores4444, u"ProRes 4444"},
+});
+static_assert(videoCodecTable.hasDistinctCases());
+
+inline const auto& allVideoCodecs()
 {
-    static constexpr std::array<VideoCodec, 4> cases{
-        VideoCodec::h264,
-        VideoCodec::hevc,
-        VideoCodec::prores422,
-        VideoCodec::prores4444,
-    };
-    return cases;
+    return videoCodecTable.allCases();
 }
 
 } // namespace ConversionEngine

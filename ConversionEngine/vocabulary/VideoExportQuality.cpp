@@ -4,25 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(VideoExportQuality quality)
 {
-    switch (quality) {
-    case VideoExportQuality::highest:
-        return QStringLiteral("Highest");
-    case VideoExportQuality::high:
-        return QStringLiteral("High");
-    case VideoExportQuality::medium:
-        return QStringLiteral("Medium");
-    case VideoExportQuality::low:
-        return QStringLiteral("Low");
-    }
-    return {};
+    return videoExportQualityTable.rawValue(quality);
 }
 
 std::optional<VideoExportQuality> videoExportQualityFromRawValue(const QString& raw)
 {
-    for (VideoExportQuality quality : allVideoExportQualities())
-        if (rawValue(quality) == raw)
-            return quality;
-    return std::nullopt;
+    return videoExportQualityTable.fromRawValue(raw);
 }
 
 platform::ExportPreset exportPreset(VideoExportQuality quality)

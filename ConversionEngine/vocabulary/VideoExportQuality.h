@@ -1,7 +1,9 @@
 // The quality names of a whole-file export, each standing for an export preset of the media
-// layer. `high` stands for a fixed 1920×1080 preset on purpose. Plain value; any thread.
+// layer. `high` stands for a fixed 1920×1080 preset on purpose (held by
+// tst_enginevocabulary::videoExportQualityTable). Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "platform/media/ExportPreset.h"
 
 #include <QString>
@@ -23,15 +25,18 @@ QString rawValue(VideoExportQuality quality);
 std::optional<VideoExportQuality> videoExportQualityFromRawValue(const QString& raw);
 platform::ExportPreset exportPreset(VideoExportQuality quality);
 
-inline const std::array<VideoExportQuality, 4>& allVideoExportQualities()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoExportQualityTable = enumTable<VideoExportQuality, QStringView>({
+    {VideoExportQuality::highest, u"Highest"},
+    {VideoExportQuality::high, u"High"},
+    {VideoExportQuality::medium, u"Medium"},
+    {VideoExportQuality::low, u"Low"},
+});
+static_assert(videoExportQualityTable.hasDistinctCases());
+
+inline const auto& allVideoExportQualities()
 {
-    static constexpr std::array<VideoExportQuality, 4> cases{
-        VideoExportQuality::highest,
-        VideoExportQuality::high,
-        VideoExportQuality::medium,
-        VideoExportQuality::low,
-    };
-    return cases;
+    return videoExportQualityTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -4,23 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(VideoFormat format)
 {
-    switch (format) {
-    case VideoFormat::mp4:
-        return QStringLiteral("MP4");
-    case VideoFormat::mov:
-        return QStringLiteral("MOV");
-    case VideoFormat::m4v:
-        return QStringLiteral("M4V");
-    }
-    return {};
+    return videoFormatTable.rawValue(format);
 }
 
 std::optional<VideoFormat> videoFormatFromRawValue(const QString& raw)
 {
-    for (VideoFormat format : allVideoFormats())
-        if (rawValue(format) == raw)
-            return format;
-    return std::nullopt;
+    return videoFormatTable.fromRawValue(raw);
 }
 
 QString fileExtension(VideoFormat format)

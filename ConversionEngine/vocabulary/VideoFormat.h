@@ -2,6 +2,7 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "platform/media/FileType.h"
 
 #include <QString>
@@ -26,14 +27,17 @@ QString fileExtension(VideoFormat format);
 // QuickTime for mov; MPEG-4 for mp4 and m4v.
 platform::FileType fileType(VideoFormat format);
 
-inline const std::array<VideoFormat, 3>& allVideoFormats()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoFormatTable = enumTable<VideoFormat, QStringView>({
+    {VideoFormat::mp4, u"MP4"},
+    {VideoFormat::mov, u"MOV"},
+    {VideoFormat::m4v, u"M4V"},
+});
+static_assert(videoFormatTable.hasDistinctCases());
+
+inline const auto& allVideoFormats()
 {
-    static constexpr std::array<VideoFormat, 3> cases{
-        VideoFormat::mp4,
-        VideoFormat::mov,
-        VideoFormat::m4v,
-    };
-    return cases;
+    return videoFormatTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -6,35 +6,12 @@ namespace ConversionEngine {
 
 QString rawValue(VideoFrameRate rate)
 {
-    switch (rate) {
-    case VideoFrameRate::source:
-        return QStringLiteral("Source");
-    case VideoFrameRate::fps23976:
-        return QStringLiteral("23.976");
-    case VideoFrameRate::fps24:
-        return QStringLiteral("24");
-    case VideoFrameRate::fps25:
-        return QStringLiteral("25");
-    case VideoFrameRate::fps2997:
-        return QStringLiteral("29.97");
-    case VideoFrameRate::fps30:
-        return QStringLiteral("30");
-    case VideoFrameRate::fps50:
-        return QStringLiteral("50");
-    case VideoFrameRate::fps5994:
-        return QStringLiteral("59.94");
-    case VideoFrameRate::fps60:
-        return QStringLiteral("60");
-    }
-    return {};
+    return videoFrameRateTable.rawValue(rate);
 }
 
 std::optional<VideoFrameRate> videoFrameRateFromRawValue(const QString& raw)
 {
-    for (VideoFrameRate rate : allVideoFrameRates())
-        if (rawValue(rate) == raw)
-            return rate;
-    return std::nullopt;
+    return videoFrameRateTable.fromRawValue(raw);
 }
 
 QString displayName(VideoFrameRate rate)

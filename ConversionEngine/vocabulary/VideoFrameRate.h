@@ -2,6 +2,7 @@
 // `source` keeps the input's rate. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
 #include "ConversionEngine/vocabulary/FrameRateCategory.h"
 #include "platform/media/MediaTime.h"
 
@@ -40,14 +41,23 @@ FrameRateCategory category(VideoFrameRate rate);
 // must equal a listed rate exactly, otherwise the answer is source.
 VideoFrameRate videoFrameRateFromNumeric(double framesPerSecond);
 
-inline const std::array<VideoFrameRate, 9>& allVideoFrameRates()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoFrameRateTable = enumTable<VideoFrameRate, QStringView>({
+    {VideoFrameRate::source, u"Source"},
+    {VideoFrameRate::fps23976, u"23.976"},
+    {VideoFrameRate::fps24, u"24"},
+    {VideoFrameRate::fps25, u"25"},
+    {VideoFrameRate::fps2997, u"29.97"},
+    {VideoFrameRate::fps30, u"30"},
+    {VideoFrameRate::fps50, u"50"},
+    {VideoFrameRate::fps5994, u"59.94"},
+    {VideoFrameRate::fps60, u"60"},
+});
+static_assert(videoFrameRateTable.hasDistinctCases());
+
+inline const auto& allVideoFrameRates()
 {
-    static constexpr std::array<VideoFrameRate, 9> cases{
-        VideoFrameRate::source, VideoFrameRate::fps23976, VideoFrameRate::fps24,
-        VideoFrameRate::fps25,  VideoFrameRate::fps2997,  VideoFrameRate::fps30,
-        VideoFrameRate::fps50,  VideoFrameRate::fps5994,  VideoFrameRate::fps60,
-    };
-    return cases;
+    return videoFrameRateTable.allCases();
 }
 
 } // namespace ConversionEngine

@@ -4,25 +4,12 @@ namespace ConversionEngine {
 
 QString rawValue(VideoResolution resolution)
 {
-    switch (resolution) {
-    case VideoResolution::sd480:
-        return QStringLiteral("480p");
-    case VideoResolution::hd720:
-        return QStringLiteral("720p");
-    case VideoResolution::hd1080:
-        return QStringLiteral("1080p");
-    case VideoResolution::uhd4k:
-        return QStringLiteral("4K");
-    }
-    return {};
+    return videoResolutionTable.rawValue(resolution);
 }
 
 std::optional<VideoResolution> videoResolutionFromRawValue(const QString& raw)
 {
-    for (VideoResolution resolution : allVideoResolutions())
-        if (rawValue(resolution) == raw)
-            return resolution;
-    return std::nullopt;
+    return videoResolutionTable.fromRawValue(raw);
 }
 
 int width(VideoResolution resolution)

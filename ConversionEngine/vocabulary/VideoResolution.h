@@ -1,6 +1,8 @@
 // The fixed output sizes of a video conversion, in pixels. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -23,15 +25,18 @@ std::optional<VideoResolution> videoResolutionFromRawValue(const QString& raw);
 int width(VideoResolution resolution);
 int height(VideoResolution resolution);
 
-inline const std::array<VideoResolution, 4>& allVideoResolutions()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoResolutionTable = enumTable<VideoResolution, QStringView>({
+    {VideoResolution::sd480, u"480p"},
+    {VideoResolution::hd720, u"720p"},
+    {VideoResolution::hd1080, u"1080p"},
+    {VideoResolution::uhd4k, u"4K"},
+});
+static_assert(videoResolutionTable.hasDistinctCases());
+
+inline const auto& allVideoResolutions()
 {
-    static constexpr std::array<VideoResolution, 4> cases{
-        VideoResolution::sd480,
-        VideoResolution::hd720,
-        VideoResolution::hd1080,
-        VideoResolution::uhd4k,
-    };
-    return cases;
+    return videoResolutionTable.allCases();
 }
 
 } // namespace ConversionEngine

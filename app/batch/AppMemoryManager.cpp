@@ -2,6 +2,7 @@
 
 #include "ConversionEngine/progress/ProgressClock.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 #include "platform/foundation/ResidentMemory.h"
 
 #include <QLoggingCategory>
@@ -69,7 +70,7 @@ void AppMemoryManager::performMemoryCleanup()
     // Nothing is freed here; the observers of the notification do the work.
     if (m_isMemoryPressureHigh)
         platform::NotificationCenter::defaultCenter().post(
-            QStringLiteral("memoryPressureDetected"));
+            platform::NotificationNames::memoryPressureDetected);
 }
 
 void AppMemoryManager::setIsMemoryPressureHigh(bool value)

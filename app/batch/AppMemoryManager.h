@@ -1,5 +1,6 @@
 // Watches the process's resident memory from the application side every 30 seconds and, while
-// it is above 1024 MiB, posts "memoryPressureDetected" for the engine and the window to react.
+// it is above 1024 MiB, posts NotificationNames::memoryPressureDetected for the engine and the
+// window to react.
 // The only poster of that notification. Main thread only.
 #pragma once
 

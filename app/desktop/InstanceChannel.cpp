@@ -1,7 +1,7 @@
 #include "app/desktop/InstanceChannel.h"
 
-#include "app/window/ContentViewModel.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 
 #include <QDataStream>
 #include <QDir>
@@ -48,8 +48,8 @@ void InstanceChannel::openFiles(const QStringList& files, bool windowHasAppeared
         return;
     }
     platform::NotificationCenter::defaultCenter().post(
-        ContentViewModel::addFilesNotification, nullptr,
-        QVariantMap{{ContentViewModel::addFilesKey, files}});
+        platform::NotificationNames::addFilesFromFinder, nullptr,
+        QVariantMap{{platform::NotificationNames::filesKey, files}});
 }
 
 QStringList InstanceChannel::takePendingFiles()

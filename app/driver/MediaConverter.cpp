@@ -2,6 +2,7 @@
 
 #include "ConversionEngine/audio/AudioConverter.h"
 #include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/errors/ErrorHandler.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/video/VideoConverter.h"
 #include "app/driver/OriginalReplacement.h"
@@ -24,6 +25,7 @@ using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::ConversionError;
 using ConversionEngine::ConversionPhase;
 using ConversionEngine::DeinterlacingSettings;
+using ConversionEngine::ErrorHandler;
 using ConversionEngine::ProgressSubject;
 using platform::Console;
 using platform::FileAttributes;
@@ -44,24 +46,6 @@ constexpr int activeBufferLimit = 20;
 QString fileNameOf(const QString& path)
 {
     return QFileInfo(path).fileName();
-}
-
-// What a reader of any error sees of it.
-QString localizedDescription(const std::exception_ptr& error)
-{
-    try {
-        std::rethrow_exception(error);
-    } catch (const ConversionError& conversionError) {
-        return conversionError.localizedDescription();
-    } catch (const platform::MediaError& mediaError) {
-        return mediaError.localizedDescription();
-    } catch (const platform::FileSystemError& fileError) {
-        return fileError.localizedDescription();
-    } catch (const std::exception& other) {
-        return QString::fromLocal8Bit(other.what());
-    } catch (...) {
-        return QStringLiteral("Unknown error");
-    }
 }
 
 std::optional<ConversionError> asConversionError(const std::exception_ptr& error)
@@ -106,7 +90,7 @@ void removeIgnoringFailure(const std::optional<QString>& path)
                                "different file."));
         std::rethrow_exception(error);
     }
-    const QString description = localizedDescription(error);
+    const QString description = ErrorHandler::localizedDescription(error);
     Console::print(QStringLiteral("❌ Unexpected audio conversion error: ") + description);
     throw ConversionError::conversionFailed(QStringLiteral("Audio extraction failed: ") +
                                             description);
@@ -301,7 +285,8 @@ void MediaConverter::handleFailure(const QString& file, const std::optional<QStr
         if (!suggestion.isEmpty())
             text += QStringLiteral("\n\n") + suggestion;
     } else {
-        text = QStringLiteral("An unexpected error occurred: ") + localizedDescription(error);
+        text = QStringLiteral("An unexpected error occurred: ") +
+               ErrorHandler::localizedDescription(error);
         m_enhancedProgressTracker->stopTracking(text);
     }
     m_batchProgressManager->failFile(file, text);

@@ -1,11 +1,11 @@
 #include "app/driver/OriginalReplacement.h"
 
 #include "ConversionEngine/errors/ConversionError.h"
+#include "ConversionEngine/errors/ErrorHandler.h"
 #include "app/naming/OutputNaming.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileSystemError.h"
-#include "platform/media/MediaError.h"
 
 #include <QFileInfo>
 #include <QUuid>
@@ -56,23 +56,6 @@ QString helperURL(const QString& original, const QString& marker, const QString&
     return QFileInfo(original).path() + u'/' + name;
 }
 
-QString describe(const std::exception_ptr& error)
-{
-    try {
-        std::rethrow_exception(error);
-    } catch (const ConversionError& conversionError) {
-        return conversionError.localizedDescription();
-    } catch (const platform::FileSystemError& fileError) {
-        return fileError.localizedDescription();
-    } catch (const platform::MediaError& mediaError) {
-        return mediaError.localizedDescription();
-    } catch (const std::exception& other) {
-        return QString::fromLocal8Bit(other.what());
-    } catch (...) {
-        return QStringLiteral("Unknown error");
-    }
-}
-
 // The permission bits of the original, if they can be read; nothing else is carried over.
 std::optional<unsigned> readPermissions(const QString& original)
 {
@@ -89,7 +72,7 @@ std::optional<unsigned> readPermissions(const QString& original)
 [[noreturn]] void restore(const QString& original, const QString& temp, const QString& backup,
                           const std::exception_ptr& error)
 {
-    const QString text = describe(error);
+    const QString text = ConversionEngine::ErrorHandler::localizedDescription(error);
     Console::print(QStringLiteral("❌ Failed to move converted file, restoring backup: ") + text);
     if (FileAttributes::fileExists(backup)) {
         try {

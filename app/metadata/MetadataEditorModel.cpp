@@ -1,5 +1,6 @@
 #include "app/metadata/MetadataEditorModel.h"
 
+#include "ConversionEngine/errors/ErrorHandler.h"
 #include "app/metadata/PendingMetadataStore.h"
 #include "app/metadata/SourceMetadataReader.h"
 #include "app/naming/DateTexts.h"
@@ -7,9 +8,7 @@
 #include "app/window/FileListModel.h"
 #include "app/window/FileListRules.h"
 #include "platform/foundation/Console.h"
-#include "platform/foundation/FileSystemError.h"
 #include "platform/foundation/MainQueue.h"
-#include "platform/media/MediaError.h"
 
 #include <QCborValue>
 #include <QCoro/QCoroFuture>
@@ -35,21 +34,6 @@ QString trueOrFalse(bool value)
 QString fileNameOf(const QString& path)
 {
     return QFileInfo(path).fileName();
-}
-
-QString errorText(const std::exception_ptr& error)
-{
-    try {
-        std::rethrow_exception(error);
-    } catch (const platform::MediaError& mediaError) {
-        return mediaError.localizedDescription();
-    } catch (const platform::FileSystemError& fileError) {
-        return fileError.localizedDescription();
-    } catch (const std::exception& other) {
-        return QString::fromLocal8Bit(other.what());
-    } catch (...) {
-        return QStringLiteral("Unknown error");
-    }
 }
 
 // The field's text when the value under `key` is a string, else nothing.
@@ -269,7 +253,8 @@ QCoro::Task<> MetadataEditorModel::readMetadataTask(QString path)
 
     if (failure) {
         Console::print(QStringLiteral("Error reading metadata from ") + fileNameOf(path) +
-                       QStringLiteral(": ") + errorText(failure));
+                       QStringLiteral(": ") +
+                       ConversionEngine::ErrorHandler::localizedDescription(failure));
         // The format label stays as the last successful read left it.
         setCurrentFileMetadata({});
         populateMetadataFields();
@@ -360,7 +345,7 @@ QString MetadataEditorModel::creationDateSummary() const
 
 void MetadataEditorModel::applyMetadataChanges()
 {
-    const QStringList files = m_files ? m_files->selectedFiles() : QStringList();
+    const QStringList files = m_files ? m_files->listedFiles() : QStringList();
     if (files.isEmpty())
         return;
     const QCborMap metadata = buildMetadataDictionary();

@@ -17,17 +17,14 @@ QCoro::Task<QVariantMap> SourceMetadataReader::read(QString path)
 {
     const platform::Asset asset(path);
     QVariantMap metadata;
-    // Named, not temporaries: this compiler must not destroy an awaited task twice.
-    QCoro::Task<std::vector<platform::MetadataItem>> itemsLoad = asset.loadMetadata();
-    const std::vector<platform::MetadataItem> items = co_await itemsLoad;
+    const std::vector<platform::MetadataItem> items = co_await asset.loadMetadata();
     for (const platform::MetadataItem& item : items) {
         if (item.commonKey.isEmpty() || !item.value.isValid())
             continue;
         metadata.insert(item.commonKey, item.value.toString());
     }
 
-    QCoro::Task<std::optional<QVariant>> dateLoad = asset.loadCreationDate();
-    const std::optional<QVariant> date = co_await dateLoad;
+    const std::optional<QVariant> date = co_await asset.loadCreationDate();
     if (date && date->typeId() == QMetaType::QDateTime) {
         metadata.insert(QStringLiteral("creationDate"), *date);
         Console::print(QStringLiteral("✅ Found asset creation date: ") +

@@ -36,7 +36,7 @@ public:
     // not audio, or to the front when there is none.
     void addPreset(const AnyPreset& preset);
     // Removes every entry with this identifier. Built-in presets are not protected, and the
-    // list may become empty.
+    // list may become empty. Held by tst_presetstore::deletingABuiltInPreset.
     void deletePreset(const QUuid& id);
     // Replaces the first entry with the same identifier where it stands; the kind may change.
     // An unknown identifier changes nothing.

@@ -88,7 +88,8 @@ QList<VideoPreset> factoryVideoPresets()
             .keepOriginalDate = false,
             .writeDateToFilename = false,
         },
-        // 16-bit on purpose, unlike its 24-bit neighbours.
+        // 16-bit on purpose, unlike its 24-bit neighbours. Held by
+        // tst_presetrecords::factoryVideoPresetsFieldByField.
         VideoPreset{
             .id = QUuid::createUuid(),
             .name = QStringLiteral("ProRes 422 1080p"),

@@ -221,7 +221,7 @@ QWidget* ContentView::buildBottomBar()
     connect(m_convert, &QPushButton::clicked, m_model, &ContentViewModel::convertButtonPressed);
     connect(m_model, &ContentViewModel::convertButtonChanged, this,
             &ContentView::refreshConvertButton);
-    connect(m_model, &ContentViewModel::selectedFilesChanged, this,
+    connect(m_model, &ContentViewModel::listedFilesChanged, this,
             &ContentView::refreshConvertButton);
     connect(m_model->mediaConverter(), &MediaConverter::isConvertingChanged, this,
             &ContentView::refreshConvertButton);

@@ -164,11 +164,11 @@ FileListView::FileListView(ContentViewModel* model, QWidget* parent)
     layout->addWidget(frame, 1);
     layout->addLayout(footer);
 
-    connect(m_model->fileList(), &FileListModel::selectedFilesChanged, this,
+    connect(m_model->fileList(), &FileListModel::listedFilesChanged, this,
             &FileListView::rebuildRows);
     connect(m_model, &ContentViewModel::isDragOverChanged, this,
             [frame](bool over) { frame->setTargeted(over); });
-    rebuildRows(m_model->selectedFiles());
+    rebuildRows(m_model->listedFiles());
 }
 
 QList<qint64> FileListView::selectedIndices() const
@@ -180,7 +180,7 @@ QList<qint64> FileListView::selectedIndices() const
 
 void FileListView::removeSelected()
 {
-    const QStringList files = m_model->selectedFiles();
+    const QStringList files = m_model->listedFiles();
     QStringList chosen;
     for (const qint64 index : selectedIndices()) {
         if (index >= 0 && index < files.size())

@@ -4,10 +4,7 @@ namespace Ondrilet {
 
 std::optional<AudioBitrate> audioBitrateFromRawValue(int kilobitsPerSecond)
 {
-    for (AudioBitrate bitrate : allAudioBitrates())
-        if (rawValue(bitrate) == kilobitsPerSecond)
-            return bitrate;
-    return std::nullopt;
+    return audioBitrateTable.fromRawValue(kilobitsPerSecond);
 }
 
 } // namespace Ondrilet

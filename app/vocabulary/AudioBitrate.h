@@ -2,6 +2,8 @@
 // bitsPerSecond is what crosses into the engine. Nothing lies between 64 and 128. Any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <array>
 #include <optional>
 
@@ -33,14 +35,23 @@ constexpr int bitsPerSecond(AudioBitrate bitrate)
 
 std::optional<AudioBitrate> audioBitrateFromRawValue(int kilobitsPerSecond);
 
-inline const std::array<AudioBitrate, 9>& allAudioBitrates()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioBitrateTable = ConversionEngine::enumTable<AudioBitrate, int>({
+    {AudioBitrate::kbps16, 16},
+    {AudioBitrate::kbps24, 24},
+    {AudioBitrate::kbps32, 32},
+    {AudioBitrate::kbps48, 48},
+    {AudioBitrate::kbps64, 64},
+    {AudioBitrate::kbps128, 128},
+    {AudioBitrate::kbps192, 192},
+    {AudioBitrate::kbps256, 256},
+    {AudioBitrate::kbps320, 320},
+});
+static_assert(audioBitrateTable.hasDistinctCases() && audioBitrateTable.rawValuesAreEnumerators());
+
+inline const auto& allAudioBitrates()
 {
-    static constexpr std::array<AudioBitrate, 9> cases{
-        AudioBitrate::kbps16,  AudioBitrate::kbps24,  AudioBitrate::kbps32,
-        AudioBitrate::kbps48,  AudioBitrate::kbps64,  AudioBitrate::kbps128,
-        AudioBitrate::kbps192, AudioBitrate::kbps256, AudioBitrate::kbps320,
-    };
-    return cases;
+    return audioBitrateTable.allCases();
 }
 
 } // namespace Ondrilet

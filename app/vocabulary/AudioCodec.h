@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,12 +24,19 @@ enum class AudioCodec
 QString rawValue(AudioCodec codec);
 std::optional<AudioCodec> audioCodecFromRawValue(const QString& raw);
 
-inline const std::array<AudioCodec, 5>& allAudioCodecs()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioCodecTable = ConversionEngine::enumTable<AudioCodec, QStringView>({
+    {AudioCodec::aac, u"AAC"},
+    {AudioCodec::alac, u"ALAC"},
+    {AudioCodec::pcm, u"PCM"},
+    {AudioCodec::heAac, u"HE-AAC"},
+    {AudioCodec::heAacV2, u"HE-AAC v2"},
+});
+static_assert(audioCodecTable.hasDistinctCases());
+
+inline const auto& allAudioCodecs()
 {
-    static constexpr std::array<AudioCodec, 5> cases{
-        AudioCodec::aac, AudioCodec::alac, AudioCodec::pcm, AudioCodec::heAac, AudioCodec::heAacV2,
-    };
-    return cases;
+    return audioCodecTable.allCases();
 }
 
 } // namespace Ondrilet

@@ -4,25 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(AudioFormat format)
 {
-    switch (format) {
-    case AudioFormat::aiff:
-        return QStringLiteral("aiff");
-    case AudioFormat::wav:
-        return QStringLiteral("wav");
-    case AudioFormat::m4a:
-        return QStringLiteral("m4a");
-    case AudioFormat::caf:
-        return QStringLiteral("caf");
-    }
-    return {};
+    return audioFormatTable.rawValue(format);
 }
 
 std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw)
 {
-    for (AudioFormat format : allAudioFormats())
-        if (rawValue(format) == raw)
-            return format;
-    return std::nullopt;
+    return audioFormatTable.fromRawValue(raw);
 }
 
 } // namespace Ondrilet

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -21,15 +23,18 @@ enum class AudioFormat
 QString rawValue(AudioFormat format);
 std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw);
 
-inline const std::array<AudioFormat, 4>& allAudioFormats()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioFormatTable = ConversionEngine::enumTable<AudioFormat, QStringView>({
+    {AudioFormat::aiff, u"aiff"},
+    {AudioFormat::wav, u"wav"},
+    {AudioFormat::m4a, u"m4a"},
+    {AudioFormat::caf, u"caf"},
+});
+static_assert(audioFormatTable.hasDistinctCases());
+
+inline const auto& allAudioFormats()
 {
-    static constexpr std::array<AudioFormat, 4> cases{
-        AudioFormat::aiff,
-        AudioFormat::wav,
-        AudioFormat::m4a,
-        AudioFormat::caf,
-    };
-    return cases;
+    return audioFormatTable.allCases();
 }
 
 } // namespace Ondrilet

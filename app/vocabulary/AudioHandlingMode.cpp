@@ -4,21 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(AudioHandlingMode mode)
 {
-    switch (mode) {
-    case AudioHandlingMode::passthrough:
-        return QStringLiteral("passthrough");
-    case AudioHandlingMode::reencode:
-        return QStringLiteral("reencode");
-    }
-    return {};
+    return audioHandlingModeTable.rawValue(mode);
 }
 
 std::optional<AudioHandlingMode> audioHandlingModeFromRawValue(const QString& raw)
 {
-    for (AudioHandlingMode mode : allAudioHandlingModes())
-        if (rawValue(mode) == raw)
-            return mode;
-    return std::nullopt;
+    return audioHandlingModeTable.fromRawValue(raw);
 }
 
 } // namespace Ondrilet

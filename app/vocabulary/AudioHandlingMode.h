@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -19,13 +21,17 @@ enum class AudioHandlingMode
 QString rawValue(AudioHandlingMode mode);
 std::optional<AudioHandlingMode> audioHandlingModeFromRawValue(const QString& raw);
 
-inline const std::array<AudioHandlingMode, 2>& allAudioHandlingModes()
+// Every case in declared order, with its raw value.
+inline constexpr auto audioHandlingModeTable =
+    ConversionEngine::enumTable<AudioHandlingMode, QStringView>({
+        {AudioHandlingMode::passthrough, u"passthrough"},
+        {AudioHandlingMode::reencode, u"reencode"},
+    });
+static_assert(audioHandlingModeTable.hasDistinctCases());
+
+inline const auto& allAudioHandlingModes()
 {
-    static constexpr std::array<AudioHandlingMode, 2> cases{
-        AudioHandlingMode::passthrough,
-        AudioHandlingMode::reencode,
-    };
-    return cases;
+    return audioHandlingModeTable.allCases();
 }
 
 } // namespace Ondrilet

@@ -2,6 +2,8 @@
 // asked for its highest export quality. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -21,15 +23,19 @@ enum class ExportQualityPreset
 QString rawValue(ExportQualityPreset preset);
 std::optional<ExportQualityPreset> exportQualityPresetFromRawValue(const QString& raw);
 
-inline const std::array<ExportQualityPreset, 4>& allExportQualityPresets()
+// Every case in declared order, with its raw value.
+inline constexpr auto exportQualityPresetTable =
+    ConversionEngine::enumTable<ExportQualityPreset, QStringView>({
+        {ExportQualityPreset::highest, u"Highest"},
+        {ExportQualityPreset::high, u"High"},
+        {ExportQualityPreset::medium, u"Medium"},
+        {ExportQualityPreset::low, u"Low"},
+    });
+static_assert(exportQualityPresetTable.hasDistinctCases());
+
+inline const auto& allExportQualityPresets()
 {
-    static constexpr std::array<ExportQualityPreset, 4> cases{
-        ExportQualityPreset::highest,
-        ExportQualityPreset::high,
-        ExportQualityPreset::medium,
-        ExportQualityPreset::low,
-    };
-    return cases;
+    return exportQualityPresetTable.allCases();
 }
 
 } // namespace Ondrilet

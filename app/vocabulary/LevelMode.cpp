@@ -4,15 +4,7 @@ namespace Ondrilet {
 
 QString displayName(LevelMode mode)
 {
-    switch (mode) {
-    case LevelMode::none:
-        return QStringLiteral("None");
-    case LevelMode::dbfs:
-        return QStringLiteral("dBFS Normalization");
-    case LevelMode::lufs:
-        return QStringLiteral("Integrated LUFS");
-    }
-    return {};
+    return levelModeTable.displayText(mode);
 }
 
 } // namespace Ondrilet

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -18,11 +20,17 @@ enum class LevelMode
 // "None", "dBFS Normalization", "Integrated LUFS".
 QString displayName(LevelMode mode);
 
-inline const std::array<LevelMode, 3>& allLevelModes()
+// Every case in declared order, with its case name and display name.
+inline constexpr auto levelModeTable = ConversionEngine::enumTable<LevelMode, QStringView>({
+    {LevelMode::none, u"none", u"None"},
+    {LevelMode::dbfs, u"dbfs", u"dBFS Normalization"},
+    {LevelMode::lufs, u"lufs", u"Integrated LUFS"},
+});
+static_assert(levelModeTable.hasDistinctCases());
+
+inline const auto& allLevelModes()
 {
-    static constexpr std::array<LevelMode, 3> cases{LevelMode::none, LevelMode::dbfs,
-                                                    LevelMode::lufs};
-    return cases;
+    return levelModeTable.allCases();
 }
 
 } // namespace Ondrilet

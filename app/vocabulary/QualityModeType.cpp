@@ -4,19 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(QualityModeType type)
 {
-    switch (type) {
-    case QualityModeType::constant:
-        return QStringLiteral("Constant Quality (CRF)");
-    }
-    return {};
+    return qualityModeTypeTable.rawValue(type);
 }
 
 std::optional<QualityModeType> qualityModeTypeFromRawValue(const QString& raw)
 {
-    for (QualityModeType type : allQualityModeTypes())
-        if (rawValue(type) == raw)
-            return type;
-    return std::nullopt;
+    return qualityModeTypeTable.fromRawValue(raw);
 }
 
 } // namespace Ondrilet

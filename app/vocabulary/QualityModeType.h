@@ -1,6 +1,8 @@
 // The kinds of video quality the picker offers: only constant quality. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -17,10 +19,16 @@ enum class QualityModeType
 QString rawValue(QualityModeType type);
 std::optional<QualityModeType> qualityModeTypeFromRawValue(const QString& raw);
 
-inline const std::array<QualityModeType, 1>& allQualityModeTypes()
+// Every case in declared order, with its raw value.
+inline constexpr auto qualityModeTypeTable =
+    ConversionEngine::enumTable<QualityModeType, QStringView>({
+        {QualityModeType::constant, u"Constant Quality (CRF)"},
+    });
+static_assert(qualityModeTypeTable.hasDistinctCases());
+
+inline const auto& allQualityModeTypes()
 {
-    static constexpr std::array<QualityModeType, 1> cases{QualityModeType::constant};
-    return cases;
+    return qualityModeTypeTable.allCases();
 }
 
 } // namespace Ondrilet

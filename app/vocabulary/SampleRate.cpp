@@ -4,23 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(SampleRate rate)
 {
-    switch (rate) {
-    case SampleRate::rate44100:
-        return QStringLiteral("44.1 kHz");
-    case SampleRate::rate48000:
-        return QStringLiteral("48 kHz");
-    case SampleRate::rate96000:
-        return QStringLiteral("96 kHz");
-    }
-    return {};
+    return sampleRateTable.rawValue(rate);
 }
 
 std::optional<SampleRate> sampleRateFromRawValue(const QString& raw)
 {
-    for (SampleRate rate : allSampleRates())
-        if (rawValue(rate) == raw)
-            return rate;
-    return std::nullopt;
+    return sampleRateTable.fromRawValue(raw);
 }
 
 } // namespace Ondrilet

@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -20,14 +22,17 @@ enum class SampleRate
 QString rawValue(SampleRate rate);
 std::optional<SampleRate> sampleRateFromRawValue(const QString& raw);
 
-inline const std::array<SampleRate, 3>& allSampleRates()
+// Every case in declared order, with its raw value.
+inline constexpr auto sampleRateTable = ConversionEngine::enumTable<SampleRate, QStringView>({
+    {SampleRate::rate44100, u"44.1 kHz"},
+    {SampleRate::rate48000, u"48 kHz"},
+    {SampleRate::rate96000, u"96 kHz"},
+});
+static_assert(sampleRateTable.hasDistinctCases());
+
+inline const auto& allSampleRates()
 {
-    static constexpr std::array<SampleRate, 3> cases{
-        SampleRate::rate44100,
-        SampleRate::rate48000,
-        SampleRate::rate96000,
-    };
-    return cases;
+    return sampleRateTable.allCases();
 }
 
 } // namespace Ondrilet

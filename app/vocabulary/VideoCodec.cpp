@@ -4,25 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(VideoCodec codec)
 {
-    switch (codec) {
-    case VideoCodec::h264:
-        return QStringLiteral("H.264");
-    case VideoCodec::h265:
-        return QStringLiteral("H.265");
-    case VideoCodec::prores422:
-        return QStringLiteral("ProRes 422");
-    case VideoCodec::prores4444:
-        return QStringLiteral("ProRes 4444");
-    }
-    return {};
+    return videoCodecTable.rawValue(codec);
 }
 
 std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw)
 {
-    for (VideoCodec codec : allVideoCodecs())
-        if (rawValue(codec) == raw)
-            return codec;
-    return std::nullopt;
+    return videoCodecTable.fromRawValue(raw);
 }
 
 QString caseName(VideoCodec codec)

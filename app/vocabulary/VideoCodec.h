@@ -2,6 +2,8 @@
 // Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -23,15 +25,18 @@ std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw);
 // The case's own name ("h265"), as console lines print it.
 QString caseName(VideoCodec codec);
 
-inline const std::array<VideoCodec, 4>& allVideoCodecs()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoCodecTable = ConversionEngine::enumTable<VideoCodec, QStringView>({
+    {VideoCodec::h264, u"H.264"},
+    {VideoCodec::h265, u"H.265"},
+    {VideoCodec::prores422, u"ProRes 422"},
+    {VideoCodec::prores4444, u"ProRes 4444"},
+});
+static_assert(videoCodecTable.hasDistinctCases());
+
+inline const auto& allVideoCodecs()
 {
-    static constexpr std::array<VideoCodec, 4> cases{
-        VideoCodec::h264,
-        VideoCodec::h265,
-        VideoCodec::prores422,
-        VideoCodec::prores4444,
-    };
-    return cases;
+    return videoCodecTable.allCases();
 }
 
 } // namespace Ondrilet

@@ -4,21 +4,12 @@ namespace Ondrilet {
 
 QString rawValue(VideoFormat format)
 {
-    switch (format) {
-    case VideoFormat::mp4:
-        return QStringLiteral("MP4");
-    case VideoFormat::mov:
-        return QStringLiteral("MOV");
-    }
-    return {};
+    return videoFormatTable.rawValue(format);
 }
 
 std::optional<VideoFormat> videoFormatFromRawValue(const QString& raw)
 {
-    for (VideoFormat format : allVideoFormats())
-        if (rawValue(format) == raw)
-            return format;
-    return std::nullopt;
+    return videoFormatTable.fromRawValue(raw);
 }
 
 } // namespace Ondrilet

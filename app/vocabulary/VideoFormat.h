@@ -2,6 +2,8 @@
 // formats'. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -19,10 +21,16 @@ enum class VideoFormat
 QString rawValue(VideoFormat format);
 std::optional<VideoFormat> videoFormatFromRawValue(const QString& raw);
 
-inline const std::array<VideoFormat, 2>& allVideoFormats()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoFormatTable = ConversionEngine::enumTable<VideoFormat, QStringView>({
+    {VideoFormat::mp4, u"MP4"},
+    {VideoFormat::mov, u"MOV"},
+});
+static_assert(videoFormatTable.hasDistinctCases());
+
+inline const auto& allVideoFormats()
 {
-    static constexpr std::array<VideoFormat, 2> cases{VideoFormat::mp4, VideoFormat::mov};
-    return cases;
+    return videoFormatTable.allCases();
 }
 
 } // namespace Ondrilet

@@ -2,6 +2,8 @@
 // (an empty optional) means the source's size. Plain value; any thread.
 #pragma once
 
+#include "ConversionEngine/vocabulary/EnumTable.h"
+
 #include <QString>
 
 #include <array>
@@ -22,14 +24,18 @@ std::optional<VideoResolution> videoResolutionFromRawValue(const QString& raw);
 // The label, or "nil" for no resolution, as console lines print it.
 QString labelOrNil(const std::optional<VideoResolution>& resolution);
 
-inline const std::array<VideoResolution, 3>& allVideoResolutions()
+// Every case in declared order, with its raw value.
+inline constexpr auto videoResolutionTable =
+    ConversionEngine::enumTable<VideoResolution, QStringView>({
+        {VideoResolution::p720, u"720p"},
+        {VideoResolution::p1080, u"1080p"},
+        {VideoResolution::p2160, u"4K"},
+    });
+static_assert(videoResolutionTable.hasDistinctCases());
+
+inline const auto& allVideoResolutions()
 {
-    static constexpr std::array<VideoResolution, 3> cases{
-        VideoResolution::p720,
-        VideoResolution::p1080,
-        VideoResolution::p2160,
-    };
-    return cases;
+    return videoResolutionTable.allCases();
 }
 
 } // namespace Ondrilet

@@ -13,6 +13,7 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -80,12 +81,11 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
     , m_outputDirectory(new OutputDirectoryModel(this))
     , m_metadataEditor(new MetadataEditorModel(m_fileList, this))
 {
-    connect(m_fileList, &FileListModel::selectedFilesChanged, this,
-            [this](const QStringList& files) {
-                emit selectedFilesChanged(files);
-                emit controlsChanged();
-                emit convertButtonChanged();
-            });
+    connect(m_fileList, &FileListModel::listedFilesChanged, this, [this](const QStringList& files) {
+        emit listedFilesChanged(files);
+        emit controlsChanged();
+        emit convertButtonChanged();
+    });
     connect(m_metadataEditor, &MetadataEditorModel::summaryChanged, this,
             &ContentViewModel::controlsChanged);
     connect(m_outputDirectory, &OutputDirectoryModel::alertRequested, this,
@@ -93,7 +93,8 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
 
     // Heard for the whole life of the window; it only leaves a line.
     NotificationCenter::defaultCenter().addObserver(
-        this, memoryPressureNotification, nullptr, [](const NotificationCenter::Notification&) {
+        this, platform::NotificationNames::memoryPressureDetected, nullptr,
+        [](const NotificationCenter::Notification&) {
             Console::print(QStringLiteral("⚠️ Memory pressure detected in ContentView"));
         });
 }
@@ -110,9 +111,9 @@ MediaConverter* ContentViewModel::mediaConverter()
     return m_mediaConverter;
 }
 
-QStringList ContentViewModel::selectedFiles() const
+QStringList ContentViewModel::listedFiles() const
 {
-    return m_fileList->selectedFiles();
+    return m_fileList->listedFiles();
 }
 
 QString ContentViewModel::outputDirectory() const
@@ -151,9 +152,10 @@ void ContentViewModel::listenForFilesFromFinder()
 {
     QPointer<ContentViewModel> self(this);
     NotificationCenter::defaultCenter().addObserver(
-        this, addFilesNotification, nullptr,
+        this, platform::NotificationNames::addFilesFromFinder, nullptr,
         [self](const NotificationCenter::Notification& notification) {
-            const QVariant files = notification.userInfo.value(addFilesKey);
+            const QVariant files =
+                notification.userInfo.value(platform::NotificationNames::filesKey);
             if (files.typeId() != QMetaType::QStringList)
                 return;
             const QStringList paths = files.toStringList();
@@ -563,7 +565,7 @@ QString ContentViewModel::outputPreview() const
     inputs.createSubfolders = m_createSubfolders;
     inputs.includeSettingsInFilename = m_includeSettingsInFilename;
     if (!m_fileList->isEmpty())
-        inputs.firstFile = m_fileList->selectedFiles().front();
+        inputs.firstFile = m_fileList->listedFiles().front();
     inputs.creationDateText = m_metadataEditor->creationDateText();
     return OutputPreview::text(inputs);
 }
@@ -637,7 +639,7 @@ MediaConverter::DeinterlacingMap ContentViewModel::buildDeinterlacingSettings() 
 {
     // No detection takes part: every file gets the same entry, or none.
     MediaConverter::DeinterlacingMap map;
-    for (const QString& file : m_fileList->selectedFiles()) {
+    for (const QString& file : m_fileList->listedFiles()) {
         if (m_selectedInterlacingHandlingMode == InterlacingHandlingMode::makeProgressive) {
             DeinterlacingSettings settings;
             settings.shouldDeinterlace = true;
@@ -658,7 +660,7 @@ bool ContentViewModel::wouldOverwriteOriginals() const
     if (m_includeSettingsInFilename)
         return false;
     const QString extension = fileExtension(m_selectedOutputFormat).toLower();
-    for (const QString& file : m_fileList->selectedFiles()) {
+    for (const QString& file : m_fileList->listedFiles()) {
         const QString folder = parentOf(file);
         const QString destination = m_useSourceDirectory ? folder : outputDirectory();
         if (destination == folder && FileListRules::pathExtension(file).toLower() == extension)
@@ -670,7 +672,7 @@ bool ContentViewModel::wouldOverwriteOriginals() const
 void ContentViewModel::startConversion()
 {
     QStringList names;
-    for (const QString& file : m_fileList->selectedFiles())
+    for (const QString& file : m_fileList->listedFiles())
         names.append(fileNameOf(file));
     Console::print(QStringLiteral("🚀 Starting conversion:"));
     Console::print(QStringLiteral("   Selected resolution: ") +
@@ -694,7 +696,7 @@ void ContentViewModel::startConversion()
 
 void ContentViewModel::runConversion(const PendingConversion& conversion)
 {
-    const QStringList files = m_fileList->selectedFiles();
+    const QStringList files = m_fileList->listedFiles();
     QPointer<ContentViewModel> self(this);
 
     if (m_metadataEditor->isMetadataEditorExpanded() && !files.isEmpty()) {

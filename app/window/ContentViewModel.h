@@ -54,7 +54,7 @@ class ContentViewModel : public QObject
     Q_PROPERTY(Ondrilet::MetadataEditorModel* metadataEditor READ metadataEditor CONSTANT)
     Q_PROPERTY(Ondrilet::PresetStore* presetStore READ presetStore CONSTANT)
     Q_PROPERTY(Ondrilet::MediaConverter* mediaConverter READ mediaConverter CONSTANT)
-    Q_PROPERTY(QStringList selectedFiles READ selectedFiles NOTIFY selectedFilesChanged)
+    Q_PROPERTY(QStringList listedFiles READ listedFiles NOTIFY listedFilesChanged)
 
     // The settings panels.
     Q_PROPERTY(Ondrilet::OutputFormat selectedOutputFormat READ selectedOutputFormat WRITE
@@ -137,12 +137,6 @@ public:
         MediaConverter::DeinterlacingMap deinterlacingSettings;
     };
 
-    static inline const QString addFilesNotification = QStringLiteral("AddFilesFromFinder");
-    // The notification's user info holds the files under this key, as a QStringList of paths.
-    static inline const QString addFilesKey = QStringLiteral("files");
-    static inline const QString memoryPressureNotification =
-        QStringLiteral("memoryPressureDetected");
-
     // All settings start at their initial values (WAV, PCM 24-bit at 48 kHz, H.264 at 1080p,
     // CRF 23 …); the first appearance replaces most of them by the first preset. Listens for
     // memory pressure from here on. `presetStore` is shared and must outlive this object.
@@ -155,7 +149,7 @@ public:
     PresetStore* presetStore() const { return m_presetStore; }
     // Made on first use, then kept for this object's life.
     MediaConverter* mediaConverter();
-    QStringList selectedFiles() const;
+    QStringList listedFiles() const;
     QString outputDirectory() const;
 
     // What "now" is for the dates; tests fix it.
@@ -319,7 +313,7 @@ public:
     void setIsDragOver(bool over);
 
 signals:
-    void selectedFilesChanged(const QStringList& selectedFiles);
+    void listedFilesChanged(const QStringList& listedFiles);
     void selectedOutputFormatChanged(const Ondrilet::OutputFormat& format);
     void selectedVideoCodecChanged(Ondrilet::VideoCodec codec);
     void selectedResolutionChanged(const std::optional<Ondrilet::VideoResolution>& resolution);

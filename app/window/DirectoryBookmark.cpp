@@ -1,14 +1,12 @@
 #include "app/window/DirectoryBookmark.h"
 
 #include "platform/foundation/FileSystemError.h"
+#include "platform/foundation/PathAccess.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace Ondrilet {
 
@@ -16,11 +14,7 @@ using platform::FileSystemError;
 
 QByteArray DirectoryBookmark::create(const QString& path)
 {
-    struct stat status = {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
-        throw FileSystemError(errno, FileSystemError::Operation::read, path);
-    if (!S_ISDIR(status.st_mode))
-        throw FileSystemError(ENOTDIR, FileSystemError::Operation::read, path);
+    platform::PathAccess::requireDirectory(path);
     return path.toUtf8();
 }
 
@@ -30,9 +24,7 @@ DirectoryBookmark::Resolution DirectoryBookmark::resolve(const QByteArray& bookm
     if (stored.isEmpty() || !QDir::isAbsolutePath(stored))
         throw FileSystemError(EINVAL, FileSystemError::Operation::read, stored);
     // Follows links: a bookmark leads to the directory, not to the link.
-    struct stat status = {};
-    if (::stat(QFile::encodeName(stored).constData(), &status) != 0)
-        throw FileSystemError(errno, FileSystemError::Operation::read, stored);
+    platform::PathAccess::requireExists(stored);
     const QString canonical = QFileInfo(stored).canonicalFilePath();
     if (canonical.isEmpty())
         throw FileSystemError(ENOENT, FileSystemError::Operation::read, stored);
@@ -41,11 +33,9 @@ DirectoryBookmark::Resolution DirectoryBookmark::resolve(const QByteArray& bookm
 
 bool DirectoryBookmark::startAccessing(const QString& path)
 {
-    struct stat status = {};
-    const QByteArray encoded = QFile::encodeName(path);
-    if (::stat(encoded.constData(), &status) != 0 || !S_ISDIR(status.st_mode))
-        return false;
-    return ::access(encoded.constData(), R_OK | X_OK) == 0;
+    using platform::PathAccess;
+    return PathAccess::isDirectory(path) &&
+           PathAccess::allows(path, PathAccess::read | PathAccess::enter);
 }
 
 void DirectoryBookmark::stopAccessing(const QString& path)

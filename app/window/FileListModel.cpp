@@ -8,51 +8,51 @@ FileListModel::FileListModel(QObject* parent)
     : QObject(parent)
 {}
 
-void FileListModel::setSelectedFiles(const QStringList& files)
+void FileListModel::setListedFiles(const QStringList& files)
 {
-    if (files == m_selectedFiles)
+    if (files == m_listedFiles)
         return;
-    m_selectedFiles = files;
-    emit selectedFilesChanged(m_selectedFiles);
+    m_listedFiles = files;
+    emit listedFilesChanged(m_listedFiles);
 }
 
 void FileListModel::appendFiles(const QStringList& files)
 {
     if (files.isEmpty())
         return;
-    setSelectedFiles(m_selectedFiles + files);
+    setListedFiles(m_listedFiles + files);
 }
 
 QStringList FileListModel::unlistedFiles(const QStringList& incoming) const
 {
     QStringList unlisted;
     for (const QString& file : incoming)
-        if (!m_selectedFiles.contains(file))
+        if (!m_listedFiles.contains(file))
             unlisted.append(file);
     return unlisted;
 }
 
 void FileListModel::removeFile(const QString& file)
 {
-    QStringList remaining = m_selectedFiles;
+    QStringList remaining = m_listedFiles;
     remaining.removeAll(file);
-    setSelectedFiles(remaining);
+    setListedFiles(remaining);
 }
 
 void FileListModel::clearFiles()
 {
-    setSelectedFiles({});
+    setListedFiles({});
 }
 
 bool FileListModel::moveFile(qint64 from, qint64 to)
 {
-    const qint64 count = m_selectedFiles.size();
+    const qint64 count = m_listedFiles.size();
     if (from < 0 || from >= count || to < 0 || to >= count || from == to)
         return false;
-    QStringList reordered = m_selectedFiles;
+    QStringList reordered = m_listedFiles;
     const QString moved = reordered.takeAt(qsizetype(from));
     reordered.insert(qsizetype(to), moved);
-    setSelectedFiles(reordered);
+    setListedFiles(reordered);
     platform::Console::print(QStringLiteral("✅ Moved file from index %1 to %2").arg(from).arg(to));
     return true;
 }

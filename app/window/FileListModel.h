@@ -13,17 +13,18 @@ namespace Ondrilet {
 class FileListModel : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QStringList selectedFiles READ selectedFiles WRITE setSelectedFiles NOTIFY
-                   selectedFilesChanged)
-    Q_PROPERTY(qsizetype count READ count NOTIFY selectedFilesChanged)
+    Q_PROPERTY(
+        QStringList listedFiles READ listedFiles WRITE setListedFiles NOTIFY listedFilesChanged)
+    Q_PROPERTY(qsizetype count READ count NOTIFY listedFilesChanged)
 
 public:
     explicit FileListModel(QObject* parent = nullptr);
 
-    const QStringList& selectedFiles() const { return m_selectedFiles; }
-    void setSelectedFiles(const QStringList& files);
-    qsizetype count() const { return m_selectedFiles.size(); }
-    bool isEmpty() const { return m_selectedFiles.isEmpty(); }
+    // Every file of the list, in order: the list has no selection of its own.
+    const QStringList& listedFiles() const { return m_listedFiles; }
+    void setListedFiles(const QStringList& files);
+    qsizetype count() const { return m_listedFiles.size(); }
+    bool isEmpty() const { return m_listedFiles.isEmpty(); }
 
     // Appends in the given order, also files already listed: the panel and a drop keep doubles.
     void appendFiles(const QStringList& files);
@@ -40,10 +41,10 @@ public:
     Q_INVOKABLE bool moveFile(qint64 from, qint64 to);
 
 signals:
-    void selectedFilesChanged(const QStringList& selectedFiles);
+    void listedFilesChanged(const QStringList& listedFiles);
 
 private:
-    QStringList m_selectedFiles;
+    QStringList m_listedFiles;
 };
 
 } // namespace Ondrilet

@@ -4,6 +4,7 @@
 #include "app/desktop/InstanceChannel.h"
 #include "app/window/ContentViewModel.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/NotificationNames.h"
 
 #include <QLocalServer>
 #include <QSignalSpy>
@@ -125,7 +126,7 @@ void InstanceChannelTest::filesWaitInThePendingListUntilTheWindowHasAppeared()
     QObject observer;
     int posts = 0;
     platform::NotificationCenter::defaultCenter().addObserver(
-        &observer, Ondrilet::ContentViewModel::addFilesNotification, nullptr,
+        &observer, platform::NotificationNames::addFilesFromFinder, nullptr,
         [&posts](const platform::NotificationCenter::Notification&) { ++posts; });
 
     InstanceChannel::openFiles({QStringLiteral("/m/a.wav")}, false);
@@ -145,14 +146,14 @@ void InstanceChannelTest::filesAfterTheWindowHasAppearedArePosted()
     QObject observer;
     QList<QVariantMap> userInfos;
     platform::NotificationCenter::defaultCenter().addObserver(
-        &observer, Ondrilet::ContentViewModel::addFilesNotification, nullptr,
+        &observer, platform::NotificationNames::addFilesFromFinder, nullptr,
         [&userInfos](const platform::NotificationCenter::Notification& notification) {
             userInfos.append(notification.userInfo);
         });
 
     InstanceChannel::openFiles({QStringLiteral("/m/c.mov"), QStringLiteral("/m/d.mp3")}, true);
     QTRY_COMPARE(userInfos.size(), 1);
-    QCOMPARE(userInfos.front().value(Ondrilet::ContentViewModel::addFilesKey).toStringList(),
+    QCOMPARE(userInfos.front().value(platform::NotificationNames::filesKey).toStringList(),
              QStringList({QStringLiteral("/m/c.mov"), QStringLiteral("/m/d.mp3")}));
     QCOMPARE(InstanceChannel::takePendingFiles(), QStringList());
 }

@@ -184,7 +184,7 @@ private slots:
 
     void theSwitchStoresForEveryFile()
     {
-        m_files->setSelectedFiles({"/in/a.wav", "/in/b.mov"});
+        m_files->setListedFiles({"/in/a.wav", "/in/b.mov"});
         editor().setMetadataTitle("Harbour");
         editor().setMetadataYear("1999");
         // Text edits alone store nothing, nor does the keep switch.
@@ -217,7 +217,7 @@ private slots:
 
     void theCustomDateStoresToo()
     {
-        m_files->setSelectedFiles({"/in/c.wav"});
+        m_files->setListedFiles({"/in/c.wav"});
         editor().setMetadataUseCustomDate(true);
         QSignalSpy stored(&editor(), &MetadataEditorModel::metadataStored);
         editor().setMetadataCustomCreationDate(customDate);

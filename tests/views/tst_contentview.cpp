@@ -204,7 +204,7 @@ void ContentViewTest::addsFilesThroughTheOpenPanel()
     nameEdit->setText(QStringLiteral("\"first.wav\" \"notes.txt\" \"second.wav\""));
     QMetaObject::invokeMethod(panel, "accept");
 
-    QTRY_COMPARE(w.model.selectedFiles(), QStringList({first, second}));
+    QTRY_COMPARE(w.model.listedFiles(), QStringList({first, second}));
     QCOMPARE(w.list()->rows().size(), 2);
     QCOMPARE(w.list()->rows().at(0)->accessibleName(), QStringLiteral("first.wav"));
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("2 files"));
@@ -241,8 +241,8 @@ void ContentViewTest::addsDroppedFilesAndAlertsForRefusedOnes()
     QVERIFY(drop.isAccepted());
     QVERIFY(!w.model.isDragOver());
 
-    QTRY_COMPARE(w.model.selectedFiles(), QStringList({QStringLiteral("/media/Interview.wav"),
-                                                       QStringLiteral("/media/CLIP.MOV")}));
+    QTRY_COMPARE(w.model.listedFiles(), QStringList({QStringLiteral("/media/Interview.wav"),
+                                                     QStringLiteral("/media/CLIP.MOV")}));
     QCOMPARE(w.list()->rows().size(), 2);
     QTRY_VERIFY(w.view()->fileAlertBox() != nullptr);
     QCOMPARE(w.view()->fileAlertBox()->text(), QStringLiteral("Unsupported File Type"));
@@ -274,7 +274,7 @@ void ContentViewTest::reordersByDraggingARowOntoAnother()
     // Dropped on its own row: nothing moves.
     QVERIFY(dropOn(w.list()->rows().at(0), w.list()->rows().at(0)->dragMimeData().release()));
     QCoreApplication::processEvents();
-    QCOMPARE(w.model.selectedFiles(), files);
+    QCOMPARE(w.model.listedFiles(), files);
 
     platform::Console::Recorder console;
     AutomatorFileRowView* last = w.list()->rows().at(2);
@@ -289,7 +289,7 @@ void ContentViewTest::reordersByDraggingARowOntoAnother()
     QApplication::sendEvent(last, &drop);
     QVERIFY(drop.isAccepted());
     QVERIFY(!last->isDropTarget());
-    QTRY_COMPARE(w.model.selectedFiles(),
+    QTRY_COMPARE(w.model.listedFiles(),
                  QStringList({QStringLiteral("/m/b.mov"), QStringLiteral("/m/c.mp3"),
                               QStringLiteral("/m/a.wav")}));
     QVERIFY(console.lines().contains(QStringLiteral("✅ Moved file from index 0 to 2")));
@@ -312,7 +312,7 @@ void ContentViewTest::removesRowsByButtonAndByDeleteKey()
 
     // Removing one of two equal rows removes both.
     QTest::mouseClick(w.list()->rows().at(0)->removeButton(), Qt::LeftButton);
-    QTRY_COMPARE(w.model.selectedFiles(),
+    QTRY_COMPARE(w.model.listedFiles(),
                  QStringList({QStringLiteral("/m/b.wav"), QStringLiteral("/m/c.wav")}));
     QTRY_COMPARE(w.list()->rows().size(), 2);
 
@@ -321,7 +321,7 @@ void ContentViewTest::removesRowsByButtonAndByDeleteKey()
     QCOMPARE(w.list()->selectedIndices(), QList<qint64>({1}));
     QVERIFY(row->isSelected());
     QTest::keyClick(w.list(), Qt::Key_Delete);
-    QTRY_COMPARE(w.model.selectedFiles(), QStringList({QStringLiteral("/m/b.wav")}));
+    QTRY_COMPARE(w.model.listedFiles(), QStringList({QStringLiteral("/m/b.wav")}));
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("1 file"));
 }
 
@@ -331,7 +331,7 @@ void ContentViewTest::clearsTheList()
     w.model.addFiles({QStringLiteral("/m/a.wav"), QStringLiteral("/m/b.wav")});
     QVERIFY(w.list()->clearButton()->isEnabled());
     QTest::mouseClick(w.list()->clearButton(), Qt::LeftButton);
-    QTRY_COMPARE(w.model.selectedFiles(), QStringList());
+    QTRY_COMPARE(w.model.listedFiles(), QStringList());
     QCOMPARE(w.list()->rows().size(), 0);
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("0 files"));
     QVERIFY(!w.list()->clearButton()->isEnabled());

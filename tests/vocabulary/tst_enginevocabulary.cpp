@@ -69,6 +69,17 @@ private slots:
         QCOMPARE(isCompressed(AudioFormat::caf), false);
     }
 
+    // A cast integer outside the cases reads as no raw value, as a switch over the cases gave,
+    // so that a lookup with it finds nothing.
+    void aValueOutsideTheCasesHasNoRawValue()
+    {
+        const auto outside = [](auto type) { return static_cast<decltype(type)>(77); };
+        QCOMPARE(rawValue(outside(AudioCodec{})), QString());
+        QCOMPARE(audioCodecFromRawValue(rawValue(outside(AudioCodec{}))), std::nullopt);
+        QCOMPARE(rawValue(outside(SampleRate{})), 0.0f);
+        QCOMPARE(displayName(outside(FieldDominance{})), QString());
+    }
+
     void audioFormatLookupIsCaseSensitive()
     {
         QCOMPARE(audioFormatFromRawValue(QStringLiteral("caf")), std::optional<AudioFormat>());

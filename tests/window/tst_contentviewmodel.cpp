@@ -94,7 +94,7 @@ private slots:
     void startsWithItsInitialValues()
     {
         ContentViewModel& m = model();
-        QCOMPARE(m.selectedFiles(), QStringList());
+        QCOMPARE(m.listedFiles(), QStringList());
         QCOMPARE(m.selectedOutputFormat(), OutputFormat::audio(AudioFormat::wav));
         QCOMPARE(m.selectedVideoCodec(), VideoCodec::h264);
         QCOMPARE(m.selectedResolution(), std::optional(VideoResolution::p1080));
@@ -234,7 +234,7 @@ private slots:
     void presetsLeaveEverythingTheyDoNotName()
     {
         ContentViewModel& m = model();
-        m.fileList()->setSelectedFiles({clipA});
+        m.fileList()->setListedFiles({clipA});
         m.setSelectedExportQuality(ExportQualityPreset::low);
         m.moveTargetBitrate(3000000);
         m.setIncludeSettingsInFilename(false);
@@ -249,7 +249,7 @@ private slots:
         video.keepOriginalDate = false;
         video.writeDateToFilename = true;
         m.setSelectedAnyPreset(AnyPreset::video(video));
-        QCOMPARE(m.selectedFiles(), QStringList{clipA});
+        QCOMPARE(m.listedFiles(), QStringList{clipA});
         QCOMPARE(m.selectedExportQuality(), ExportQualityPreset::low);
         QCOMPARE(m.selectedQualityType(), QualityModeType::constant);
         QCOMPARE(m.targetBitrate(), 3000000);
@@ -351,9 +351,9 @@ private slots:
         ContentViewModel& m = model();
         m.addFiles({clipA});
         m.addFiles({clipA});
-        QCOMPARE(m.selectedFiles(), (QStringList{clipA, clipA}));
+        QCOMPARE(m.listedFiles(), (QStringList{clipA, clipA}));
         m.addFiles({notes, clipB, clipA});
-        QCOMPARE(m.selectedFiles(), (QStringList{clipA, clipA, clipB, clipA}));
+        QCOMPARE(m.listedFiles(), (QStringList{clipA, clipA, clipB, clipA}));
         QTRY_COMPARE(m_readPaths, (QStringList{clipA, clipA, clipB}));
         QCOMPARE(m.fileAlertTitle(), QStringLiteral("Unsupported File Type"));
         QCOMPARE(m.fileAlertText(),
@@ -370,7 +370,7 @@ private slots:
         m.metadataEditor()->setMetadataArtist("Typed");
         m.addFiles({notes, "/media/in/cover.JPG", "/media/in/folder"});
         drain();
-        QCOMPARE(m.selectedFiles(), QStringList{clipA});
+        QCOMPARE(m.listedFiles(), QStringList{clipA});
         QCOMPARE(m_readPaths, QStringList{clipA});
         QCOMPARE(m.metadataEditor()->metadataArtist(), QStringLiteral("Typed"));
         QVERIFY(m.showingFileAlert());
@@ -387,9 +387,9 @@ private slots:
         ContentViewModel& m = model();
         m.addFromFinder({clipA});
         m.addFromFinder({clipA});
-        QCOMPARE(m.selectedFiles(), QStringList{clipA});
+        QCOMPARE(m.listedFiles(), QStringList{clipA});
         m.addFromFinder({clipA, notes});
-        QCOMPARE(m.selectedFiles(), QStringList{clipA});
+        QCOMPARE(m.listedFiles(), QStringList{clipA});
         QCOMPARE(m.fileAlertText(),
                  QStringLiteral("The file 'notes.txt' is not a supported media file."));
         m.dismissFileAlert();
@@ -405,11 +405,11 @@ private slots:
         m.addFiles({clipA, clipB, clipA});
         QTRY_COMPARE(m.metadataEditor()->metadataTitle(), QStringLiteral("Tagged"));
         m.removeFile(clipA);
-        QCOMPARE(m.selectedFiles(), QStringList{clipB});
+        QCOMPARE(m.listedFiles(), QStringList{clipB});
         // The metadata fields stay, also after clearing.
         QCOMPARE(m.metadataEditor()->metadataTitle(), QStringLiteral("Tagged"));
         m.clearFiles();
-        QCOMPARE(m.selectedFiles(), QStringList());
+        QCOMPARE(m.listedFiles(), QStringList());
         QCOMPARE(m.metadataEditor()->metadataTitle(), QStringLiteral("Tagged"));
     }
 
@@ -417,13 +417,13 @@ private slots:
     {
         ContentViewModel& m = model();
         const QStringList four{"/m/0.wav", "/m/1.wav", "/m/2.wav", "/m/3.wav"};
-        m.fileList()->setSelectedFiles(four);
+        m.fileList()->setListedFiles(four);
         Console::Recorder recorder;
         QVERIFY(m.moveFile(0, 3));
-        QCOMPARE(m.selectedFiles(), (QStringList{"/m/1.wav", "/m/2.wav", "/m/3.wav", "/m/0.wav"}));
+        QCOMPARE(m.listedFiles(), (QStringList{"/m/1.wav", "/m/2.wav", "/m/3.wav", "/m/0.wav"}));
         QCOMPARE(recorder.lines(), QStringList{"✅ Moved file from index 0 to 3"});
         QVERIFY(m.moveFile(3, 1));
-        QCOMPARE(m.selectedFiles(), (QStringList{"/m/1.wav", "/m/0.wav", "/m/2.wav", "/m/3.wav"}));
+        QCOMPARE(m.listedFiles(), (QStringList{"/m/1.wav", "/m/0.wav", "/m/2.wav", "/m/3.wav"}));
         for (const auto& [from, to] :
              {std::pair<qint64, qint64>{2, 2}, {-1, 0}, {0, 4}, {4, 0}, {0, -1}})
             QVERIFY(!m.moveFile(from, to));
@@ -435,9 +435,9 @@ private slots:
         drain();
         QCOMPARE(recorder.lines().size(), 2);
         QVERIFY(m.handleRowDrop("3", 0));
-        QCOMPARE(m.selectedFiles().front(), QStringLiteral("/m/1.wav"));
+        QCOMPARE(m.listedFiles().front(), QStringLiteral("/m/1.wav"));
         drain();
-        QCOMPARE(m.selectedFiles(), (QStringList{"/m/3.wav", "/m/1.wav", "/m/0.wav", "/m/2.wav"}));
+        QCOMPARE(m.listedFiles(), (QStringList{"/m/3.wav", "/m/1.wav", "/m/0.wav", "/m/2.wav"}));
         QCOMPARE(recorder.lines().last(), QStringLiteral("✅ Moved file from index 3 to 0"));
     }
 
@@ -449,9 +449,9 @@ private slots:
                               QUrl("https://example.org/c.wav"), QUrl::fromLocalFile(clipA),
                               QUrl::fromLocalFile("/media/in/d.jpg")}));
         QCOMPARE(m.isDragOver(), false);
-        QCOMPARE(m.selectedFiles(), QStringList());
+        QCOMPARE(m.listedFiles(), QStringList());
         drain();
-        QCOMPARE(m.selectedFiles(), (QStringList{clipA, clipA}));
+        QCOMPARE(m.listedFiles(), (QStringList{clipA, clipA}));
         QTRY_COMPARE(m_readPaths, (QStringList{clipA, clipA}));
         QCOMPARE(m.fileAlerts().size(), 2);
         QCOMPARE(m.fileAlertTitle(), QStringLiteral("Unsupported File Type"));
@@ -558,7 +558,7 @@ private slots:
     void thePreviewUsesTheFirstFile()
     {
         ContentViewModel& m = model();
-        m.fileList()->setSelectedFiles({"/m/take.one.wav", "/m/other.wav"});
+        m.fileList()->setListedFiles({"/m/take.one.wav", "/m/other.wav"});
         m.setLevelMode(LevelMode::dbfs);
         m.setDbfsTarget(-1.0f);
         QCOMPARE(m.outputPreview(),
@@ -579,7 +579,7 @@ private slots:
                  QStringLiteral("Start converting the selected files using the current preset "
                                 "and settings. Files will be saved to the output directory."));
         QSignalSpy spy(&m, &ContentViewModel::convertButtonChanged);
-        m.fileList()->setSelectedFiles({clipA});
+        m.fileList()->setListedFiles({clipA});
         QCOMPARE(spy.size(), 1);
         QCOMPARE(m.convertButtonEnabled(), true);
     }
@@ -611,19 +611,19 @@ private slots:
         NotificationCenter& center = NotificationCenter::defaultCenter();
         center.post("AddFilesFromFinder", nullptr, {{"files", QStringList{clipB}}});
         drain();
-        QCOMPARE(m.selectedFiles(), QStringList());
+        QCOMPARE(m.listedFiles(), QStringList());
 
         m.handleFirstAppearance({clipA, clipA});
-        QCOMPARE(m.selectedFiles(), QStringList());
+        QCOMPARE(m.listedFiles(), QStringList());
         drain();
         // Handed in before the window existed: added once, through the duplicate filter's road.
-        QCOMPARE(m.selectedFiles(), (QStringList{clipA, clipA}));
+        QCOMPARE(m.listedFiles(), (QStringList{clipA, clipA}));
 
         center.post("AddFilesFromFinder", nullptr, {{"files", QStringList{clipA, clipB}}});
         center.post("AddFilesFromFinder", nullptr, {{"files", QString(clipB)}});
         center.post("AddFilesFromFinder", nullptr, {{"paths", QStringList{clipB}}});
         drain();
-        QCOMPARE(m.selectedFiles(), (QStringList{clipA, clipA, clipB}));
+        QCOMPARE(m.listedFiles(), (QStringList{clipA, clipA, clipB}));
 
         // Files of an earlier drop count as listed too.
         m.handleDrop({QUrl::fromLocalFile("/media/in/dropped.wav")});
@@ -631,7 +631,7 @@ private slots:
         center.post("AddFilesFromFinder", nullptr,
                     {{"files", QStringList{"/media/in/dropped.wav"}}});
         drain();
-        QCOMPARE(m.selectedFiles().size(), 4);
+        QCOMPARE(m.listedFiles().size(), 4);
     }
 };
 

@@ -123,7 +123,7 @@ private slots:
     void aMovOverItsOwnSourceAsks()
     {
         ContentViewModel& m = model();
-        m.fileList()->setSelectedFiles({"/in/clip.mov", "/in/CLIP2.MOV"});
+        m.fileList()->setListedFiles({"/in/clip.mov", "/in/CLIP2.MOV"});
         m.setSelectedOutputFormat(OutputFormat::video(VideoFormat::mov));
         m.setUseSourceDirectory(true);
         m.setIncludeSettingsInFilename(false);
@@ -167,14 +167,14 @@ private slots:
         m.setIncludeSettingsInFilename(false);
         m.setSelectedInterlacingHandlingMode(InterlacingHandlingMode::keepOriginal);
         // The chosen directory is the file's own folder.
-        m.fileList()->setSelectedFiles({"/in/other.wav", m_outputs + "/Clip.Mov"});
+        m.fileList()->setListedFiles({"/in/other.wav", m_outputs + "/Clip.Mov"});
         QVERIFY(m.wouldOverwriteOriginals());
         m.startConversion();
         QVERIFY(m.showOverwriteWarning());
         QVERIFY(m.pendingConversionSettings()->deinterlacingSettings.isEmpty());
         m.cancelOverwrite();
 
-        m.fileList()->setSelectedFiles({"/in/clip.mov"});
+        m.fileList()->setListedFiles({"/in/clip.mov"});
         QVERIFY(!m.wouldOverwriteOriginals());
         m.setUseSourceDirectory(true);
         QVERIFY(m.wouldOverwriteOriginals());
@@ -192,7 +192,7 @@ private slots:
     void withSettingsInTheNameOrWithoutOverwritingThereIsNoQuestion()
     {
         ContentViewModel& m = model();
-        m.fileList()->setSelectedFiles({"/in/clip.mov"});
+        m.fileList()->setListedFiles({"/in/clip.mov"});
         m.setSelectedOutputFormat(OutputFormat::video(VideoFormat::mov));
         m.setUseSourceDirectory(true);
         m.setIncludeSettingsInFilename(true);

@@ -1,0 +1,1 @@
+#include "ConversionEngine/audio/AudioConverter.h"

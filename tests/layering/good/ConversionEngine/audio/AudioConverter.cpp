@@ -1,0 +1,5 @@
+#include "ConversionEngine/vocabulary/AudioFormat.h"
+#include "ConversionEngine/errors/ErrorHandler.h"
+#include "ConversionEngine/level/PeakLevelPass.h"
+#include "platform/media/Asset.h"
+#include <cerrno>

@@ -1,0 +1,2 @@
+#include "ConversionEngine/vocabulary/QualityMode.h"
+#include "app/vocabulary/OutputFormat.h"

@@ -1,0 +1,2 @@
+#include "app/window/ContentViewModel.h"
+#include "platform/foundation/TerminalStreams.h"

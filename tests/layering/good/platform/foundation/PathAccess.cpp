@@ -1,0 +1,4 @@
+#include <sys/statvfs.h>
+#include <unistd.h>
+#include <linux/magic.h>
+#include "platform/foundation/FileSystemError.h"
