@@ -1,5 +1,6 @@
 #include "app/batch/AppMemoryManager.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "ConversionEngine/progress/ProgressClock.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/NotificationNames.h"
@@ -9,7 +10,6 @@
 #include <QTimer>
 
 #include <cmath>
-#include <cstdio>
 
 namespace Ondrilet {
 
@@ -48,9 +48,8 @@ void AppMemoryManager::checkMemoryUsage()
         setMemoryUsageMB(static_cast<double>(residentBytes) * bytesToMebibytes);
         if (m_memoryUsageMB > highMemoryLimitMB) {
             setIsMemoryPressureHigh(true);
-            char megabytes[64];
-            std::snprintf(megabytes, sizeof megabytes, "%.1f", m_memoryUsageMB);
-            qCCritical(appMemoryLog, "High memory usage detected: %sMB", megabytes);
+            const std::string megabytes = ConversionEngine::FixedDecimals::text(m_memoryUsageMB, 1);
+            qCCritical(appMemoryLog, "High memory usage detected: %sMB", megabytes.c_str());
             performMemoryCleanup();
         } else {
             setIsMemoryPressureHigh(false);

@@ -1,5 +1,6 @@
 #include "app/batch/BatchProgressManager.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/progress/ProgressClock.h"
 
@@ -7,7 +8,6 @@
 #include <QTimer>
 
 #include <cmath>
-#include <cstdio>
 
 namespace Ondrilet {
 
@@ -19,13 +19,11 @@ Q_LOGGING_CATEGORY(batchProgressLog, "Ondrilet.BatchProgress")
 
 constexpr double bytesToMebibytes = 9.5367431640625e-07;
 
-// One decimal the C library's way (ties go to the even digit: 0.25 shows as "0.2"); Qt's own
-// formatting rounds ties away from zero and would differ.
+// One decimal, ties to the even digit (0.25 shows as "0.2"), with a point in every locale; Qt's
+// own formatting rounds ties away from zero and would differ.
 QString oneDecimal(double value)
 {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.1f", value);
-    return QString::fromLatin1(text);
+    return QString::fromStdString(ConversionEngine::FixedDecimals::text(value, 1));
 }
 
 // `seconds` after `from`; a span beyond any date (a fraction near zero early on) gives no date

@@ -2,6 +2,8 @@
 
 #include "app/driver/MediaConverter.h"
 #include "platform/foundation/Console.h"
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileSystemError.h"
 #include "platform/foundation/UserDefaults.h"
 #include "platform/media/AssetWriter.h"
 
@@ -16,7 +18,19 @@ int ProgramExit::afterEventLoop(const MediaConverter& converter, int status)
 {
     if (!converter.hasRunInProgress())
         return status;
-    for (const QString& path : platform::AssetWriter::discardUnfinishedOutputs())
+    QStringList removed = platform::AssetWriter::discardUnfinishedOutputs();
+    // A temporary file that its writer has finished still waits for its swap: it is no
+    // output of this run either, and the original stays as it is.
+    if (const std::optional<QString> temporary = converter.pendingTemporaryOutput();
+        temporary && !removed.contains(*temporary) &&
+        platform::FileAttributes::fileExists(*temporary)) {
+        try {
+            platform::FileAttributes::removeItem(*temporary);
+            removed.append(*temporary);
+        } catch (const platform::FileSystemError&) {
+        }
+    }
+    for (const QString& path : std::as_const(removed))
         platform::Console::print(QStringLiteral("🗑️ Removed unfinished output: ") +
                                  QFileInfo(path).fileName());
     platform::UserDefaults::standard().synchronize();

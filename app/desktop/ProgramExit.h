@@ -1,8 +1,8 @@
 // The program's last step once its event loop has ended. A conversion still under way is then
-// abandoned: the outputs its writers hold open (a hidden temporary file among them when an
-// original was to be replaced) are removed with a console line each, the preferences are
-// written out, and the process ends at once, because worker threads are still using what an
-// orderly teardown would destroy. Main thread.
+// abandoned: the outputs its writers hold open, and the hidden temporary file of an original
+// that was to be replaced (finished or not), are removed with a console line each, the
+// preferences are written out, and the process ends at once, because worker threads are still
+// using what an orderly teardown would destroy. Main thread.
 #pragma once
 
 namespace Ondrilet {

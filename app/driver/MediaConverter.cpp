@@ -12,6 +12,7 @@
 #include "platform/foundation/Console.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileSystemError.h"
+#include "platform/media/AssetWriter.h"
 #include "platform/media/MediaError.h"
 
 #include <QFileInfo>
@@ -67,6 +68,16 @@ void removeIgnoringFailure(const std::optional<QString>& path)
         FileAttributes::removeItem(*path);
     } catch (const platform::FileSystemError&) {
     }
+}
+
+// Swaps the temporary output in, unless its writer never finished it: such a file is not a
+// conversion, so it is removed and the swap then fails as for a missing file, leaving the
+// original where it is.
+void replaceWithFinishedOutput(const QString& output, const QString& temporary)
+{
+    if (platform::AssetWriter::isUnfinishedOutput(temporary))
+        removeIgnoringFailure(temporary);
+    replaceOriginal(output, temporary);
 }
 
 // The audio branch's own translation: two kinds of engine text become friendlier structure
@@ -164,14 +175,17 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
         const QString output =
             outputURL(file, settings, fileOptions, baseDirectory, deinterlacing, levelProcessing);
 
-        // The engine must never write over the file it reads.
+        // The engine must never write over the file it reads, whichever name reaches it.
         std::optional<QString> temporary;
-        if (output == file) {
-            temporary = temporaryURL(file, fileExtension(settings.outputFormat));
+        if (output == file || FileAttributes::isSameFile(output, file)) {
+            // Beside the output's own name, which is the name that gets replaced: for a file
+            // reached through a link that is the real entry, not the link.
+            temporary = temporaryURL(output, fileExtension(settings.outputFormat));
             Console::print(QStringLiteral("🔄 Output would overwrite input - using temp file: ") +
                            fileNameOf(*temporary));
         }
 
+        m_pendingTemporary = temporary;
         std::exception_ptr failure;
         try {
             co_await convertOne(file, output, temporary, settings, fileOptions, deinterlacing,
@@ -179,8 +193,10 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
         } catch (...) {
             failure = std::current_exception();
         }
-        if (failure) {
+        if (failure)
             handleFailure(file, temporary, failure, onError);
+        m_pendingTemporary.reset();
+        if (failure) {
             endRun();
             co_return;
         }
@@ -213,9 +229,9 @@ QCoro::Task<> MediaConverter::convertOne(QString file, QString output,
         co_await m_videoConverter->convertVideo(file, workURL, videoSettings, deinterlacing,
                                                 subject);
         if (temporary)
-            replaceOriginal(file, *temporary);
+            replaceWithFinishedOutput(output, *temporary);
     } else {
-        co_await convertAudio(file, workURL, settings, levelProcessing, subject, temporary);
+        co_await convertAudio(file, output, workURL, settings, levelProcessing, subject, temporary);
     }
 
     if (temporary) {
@@ -239,7 +255,7 @@ void MediaConverter::prepareDestination(const QString& outputPath, const FileOpt
         FileAttributes::createDirectory(QFileInfo(outputPath).path(), true);
 }
 
-QCoro::Task<> MediaConverter::convertAudio(QString file, QString workURL,
+QCoro::Task<> MediaConverter::convertAudio(QString file, QString output, QString workURL,
                                            ConversionSettings settings,
                                            AudioLevelTarget levelProcessing,
                                            ProgressSubject subject,
@@ -255,7 +271,7 @@ QCoro::Task<> MediaConverter::convertAudio(QString file, QString workURL,
         co_await m_audioConverter->extractAudio(file, workURL, engineFormat, engineSettings,
                                                 subject);
         if (temporary)
-            replaceOriginal(file, *temporary);
+            replaceWithFinishedOutput(output, *temporary);
     } catch (...) {
         failure = std::current_exception();
     }

@@ -96,6 +96,10 @@ public:
     // From the start of convertFiles until runEnded: unlike isConverting, this stays true after
     // Stop while the file in hand is still being converted.
     bool hasRunInProgress() const { return m_runInProgress; }
+    // The hidden temporary output of the file being converted in place, from the moment its
+    // name is made until it has been swapped in or removed: a program that ends in between
+    // removes it, whatever state its writer is in.
+    std::optional<QString> pendingTemporaryOutput() const { return m_pendingTemporary; }
 
     // Progress subscriptions made so far; one per file processed, kept for this object's life.
     qsizetype subscriptionCount() const { return qsizetype(m_cancellables.size()); }
@@ -124,7 +128,8 @@ private:
                              ConversionEngine::AudioLevelTarget levelProcessing,
                              ConversionEngine::ProgressSubject subject);
     void prepareDestination(const QString& outputPath, const FileOptions& fileOptions);
-    QCoro::Task<> convertAudio(QString file, QString workURL, ConversionSettings settings,
+    QCoro::Task<> convertAudio(QString file, QString output, QString workURL,
+                               ConversionSettings settings,
                                ConversionEngine::AudioLevelTarget levelProcessing,
                                ConversionEngine::ProgressSubject subject,
                                std::optional<QString> temporary);
@@ -142,6 +147,7 @@ private:
     ConversionEngine::MemoryManager* m_memoryManager = nullptr;
     BatchProgressManager* m_batchProgressManager = nullptr;
     bool m_runInProgress = false;
+    std::optional<QString> m_pendingTemporary;
     bool m_showAdvancedProgress = false;
     ConversionEngine::EnhancedProgressTracker* m_enhancedProgressTracker = nullptr;
     bool m_showEnhancedProgress = false;

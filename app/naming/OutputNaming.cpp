@@ -1,5 +1,6 @@
 #include "app/naming/OutputNaming.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "app/metadata/PendingMetadataStore.h"
 #include "platform/foundation/Console.h"
 
@@ -7,8 +8,6 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QLocale>
-
-#include <cstdio>
 
 namespace Ondrilet {
 
@@ -24,13 +23,11 @@ QString joinedPath(const QString& directory, const QString& name)
     return directory.endsWith(u'/') ? directory + name : directory + u'/' + name;
 }
 
-// printf's own rounding (ties to even on the exact binary value) and a point as decimal mark,
-// whatever the locale.
-QString printfNumber(const char* format, float value)
+// Ties to even on the exact binary value and a point as decimal mark, whatever the locale.
+QString fixedNumber(float value, int decimals)
 {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, format, static_cast<double>(value));
-    return QString::fromLatin1(buffer);
+    return QString::fromStdString(
+        ConversionEngine::FixedDecimals::text(static_cast<double>(value), decimals));
 }
 
 QString trueOrFalse(bool value)
@@ -156,9 +153,9 @@ std::optional<QString> OutputNaming::levelToken(const AudioLevelTarget& levelPro
 {
     switch (levelProcessing.kind) {
     case AudioLevelTarget::Kind::dbFS:
-        return QStringLiteral("dBFS") + printfNumber("%.1f", levelProcessing.target);
+        return QStringLiteral("dBFS") + fixedNumber(levelProcessing.target, 1);
     case AudioLevelTarget::Kind::integratedLUFS:
-        return QStringLiteral("LUFS") + printfNumber("%.0f", levelProcessing.target);
+        return QStringLiteral("LUFS") + fixedNumber(levelProcessing.target, 0);
     case AudioLevelTarget::Kind::none:
         return std::nullopt;
     }

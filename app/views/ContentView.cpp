@@ -240,10 +240,6 @@ void ContentView::refreshPresets()
             current = index;
     }
     m_preset->setChoices(names, current);
-    const QString description = selected ? selected->presetDescription() : QString();
-    m_preset->setToolTip(description.isEmpty()
-                             ? WindowTexts::presetHelp
-                             : WindowTexts::presetHelp + QStringLiteral("\n\n") + description);
 }
 
 void ContentView::refreshFormat()
@@ -326,8 +322,10 @@ void ContentView::showFileAlert()
     box->setInformativeText(m_model->fileAlertText());
     box->button(QMessageBox::Ok)->setText(WindowTexts::alertOkButton);
     QPointer<ContentViewModel> model(m_model);
-    connect(box, &QMessageBox::finished, this, [model] {
-        // The next alert in line, if any, shows when the model says so.
+    connect(box, &QMessageBox::finished, this, [this, model] {
+        // The closing box is still alive here: let go of it first, so that the next alert in
+        // line, which the model announces at once, gets a box of its own.
+        m_fileAlert = nullptr;
         if (model)
             model->dismissFileAlert();
     });

@@ -2,6 +2,7 @@
 
 #include "app/metadata/MetadataEditorModel.h"
 #include "app/naming/DateTexts.h"
+#include "app/naming/OutputNaming.h"
 #include "app/naming/OutputPreview.h"
 #include "app/presets/PresetStore.h"
 #include "app/vocabulary/WholeNumber.h"
@@ -11,6 +12,7 @@
 #include "app/window/OutputDirectoryModel.h"
 #include "app/window/WindowTexts.h"
 #include "platform/foundation/Console.h"
+#include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/MainQueue.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/NotificationNames.h"
@@ -27,6 +29,7 @@ using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::InterlacingHandlingMode;
 using ConversionEngine::VideoFrameRate;
 using platform::Console;
+using platform::FileAttributes;
 using platform::MainQueue;
 using platform::NotificationCenter;
 
@@ -664,6 +667,12 @@ bool ContentViewModel::wouldOverwriteOriginals() const
         const QString folder = parentOf(file);
         const QString destination = m_useSourceDirectory ? folder : outputDirectory();
         if (destination == folder && FileListRules::pathExtension(file).toLower() == extension)
+            return true;
+        // A folder reached another way (a link, a bind mount, "..") holds the same file.
+        const QString output =
+            QDir(destination)
+                .filePath(OutputNaming::stem(file) + u'.' + fileExtension(m_selectedOutputFormat));
+        if (FileAttributes::isSameFile(output, file))
             return true;
     }
     return false;

@@ -1,5 +1,6 @@
 #include "app/window/ConversionControls.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "app/window/WindowTexts.h"
 
 #include <algorithm>
@@ -346,13 +347,15 @@ QString ConversionControls::lufsPresetChoiceLabel(const AudioLevelPreset& preset
 QString ConversionControls::dbfsSliderText(float dbfs)
 {
     return QStringLiteral("Target Peak Level: ") +
-           QString::asprintf("%.1f", static_cast<double>(dbfs)) + QStringLiteral(" dBFS");
+           QString::fromStdString(ConversionEngine::FixedDecimals::text(dbfs, 1)) +
+           QStringLiteral(" dBFS");
 }
 
 QString ConversionControls::lufsSliderText(float lufs)
 {
     return QStringLiteral("Target Loudness: ") +
-           QString::asprintf("%.0f", static_cast<double>(lufs)) + QStringLiteral(" LUFS");
+           QString::fromStdString(ConversionEngine::FixedDecimals::text(lufs, 0)) +
+           QStringLiteral(" LUFS");
 }
 
 } // namespace Ondrilet

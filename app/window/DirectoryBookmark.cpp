@@ -4,7 +4,6 @@
 #include "platform/foundation/PathAccess.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include <cerrno>
 
@@ -23,12 +22,10 @@ DirectoryBookmark::Resolution DirectoryBookmark::resolve(const QByteArray& bookm
     const QString stored = QString::fromUtf8(bookmark);
     if (stored.isEmpty() || !QDir::isAbsolutePath(stored))
         throw FileSystemError(EINVAL, FileSystemError::Operation::read, stored);
-    // Follows links: a bookmark leads to the directory, not to the link.
+    // The path is the bookmark: it resolves while something is there (through links too), and
+    // it is given back as it was chosen, so that files reached the same way keep matching it.
     platform::PathAccess::requireExists(stored);
-    const QString canonical = QFileInfo(stored).canonicalFilePath();
-    if (canonical.isEmpty())
-        throw FileSystemError(ENOENT, FileSystemError::Operation::read, stored);
-    return {canonical, canonical != stored};
+    return {stored, false};
 }
 
 bool DirectoryBookmark::startAccessing(const QString& path)

@@ -13,9 +13,9 @@ class DirectoryBookmark
 public:
     struct Resolution
     {
-        QString path; // where the directory is now
-        // The stored path no longer names the directory directly (a link on the way has
-        // changed); `path` is where it really is.
+        QString path; // the stored path, as it was chosen
+        // A path stands for itself and cannot go stale: it resolves or it fails. Kept so that
+        // the restore reads as the flow it follows.
         bool isStale = false;
     };
 

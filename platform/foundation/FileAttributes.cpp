@@ -129,6 +129,22 @@ void syncPath(const QString& path, int flags)
 
 } // namespace
 
+std::optional<FileAttributes::Identity> FileAttributes::identity(const QString& path)
+{
+    struct stat status
+    {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return Identity{static_cast<std::uint64_t>(status.st_dev),
+                    static_cast<std::uint64_t>(status.st_ino)};
+}
+
+bool FileAttributes::isSameFile(const QString& first, const QString& second)
+{
+    const std::optional<Identity> firstIdentity = identity(first);
+    return firstIdentity && firstIdentity == identity(second);
+}
+
 bool FileAttributes::fileExists(const QString& path)
 {
     struct stat status

@@ -6,11 +6,31 @@
 #include <QDateTime>
 #include <QString>
 
+#include <compare>
+#include <cstdint>
+#include <optional>
+
 namespace platform {
 
 class FileAttributes
 {
 public:
+    // Which file a name reaches: two names reach the same file when both numbers agree, however
+    // they are spelled (links, hard links, bind mounts, "." and "..").
+    struct Identity
+    {
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+        friend bool operator==(const Identity&, const Identity&) = default;
+    };
+
+    // The identity of what the path leads to, following symbolic links; nothing when it
+    // cannot be reached.
+    static std::optional<Identity> identity(const QString& path);
+
+    // True when both paths exist and reach the same file.
+    static bool isSameFile(const QString& first, const QString& second);
+
     // True when anything occupies the name: a file, a folder, a device, even a dangling link.
     static bool fileExists(const QString& path);
 

@@ -168,6 +168,11 @@ QStringList AssetWriter::discardUnfinishedOutputs()
     return internal::OpenOutputs::discardAll();
 }
 
+bool AssetWriter::isUnfinishedOutput(const QString& path)
+{
+    return internal::OpenOutputs::isUnfinished(path);
+}
+
 AssetWriter::Status AssetWriter::status() const
 {
     return static_cast<Status>(m_state->status());

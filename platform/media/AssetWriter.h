@@ -69,6 +69,9 @@ public:
     // dropped) and returns their paths. For the end of the program, when conversions still
     // under way are abandoned: whatever those writers do next goes nowhere.
     static QStringList discardUnfinishedOutputs();
+    // True while a writer has `path` open, and after a writer was dropped without finishing
+    // or cancelling it: the file there is not a whole output.
+    static bool isUnfinishedOutput(const QString& path);
 
     Status status() const;
     std::optional<MediaError> error() const;

@@ -77,6 +77,32 @@ private slots:
         QVERIFY(!FileAttributes::fileExists(path(QStringLiteral("nowhere"))));
     }
 
+    void everySpellingOfAFileHasItsIdentity()
+    {
+        QVERIFY(QDir().mkpath(path(QStringLiteral("music/sub"))));
+        const QString file = path(QStringLiteral("music/a.wav"));
+        writeFile(file, "RIFF");
+        writeFile(path(QStringLiteral("music/b.wav")), "RIFF");
+        QVERIFY(QFile::link(path(QStringLiteral("music")), path(QStringLiteral("linked"))));
+        QVERIFY(QFile::link(file, path(QStringLiteral("a-link.wav"))));
+        QCOMPARE(::link(QFile::encodeName(file).constData(),
+                        QFile::encodeName(path(QStringLiteral("a-hard.wav"))).constData()),
+                 0);
+        const QStringList spellings{
+            path(QStringLiteral("linked/a.wav")),  path(QStringLiteral("a-link.wav")),
+            path(QStringLiteral("a-hard.wav")),    path(QStringLiteral("music/sub/../a.wav")),
+            path(QStringLiteral("music/./a.wav")),
+        };
+        for (const QString& spelling : spellings)
+            QVERIFY2(FileAttributes::isSameFile(spelling, file), qPrintable(spelling));
+        QVERIFY(FileAttributes::identity(file).has_value());
+        QVERIFY(!FileAttributes::isSameFile(path(QStringLiteral("music/b.wav")), file));
+        QVERIFY(!FileAttributes::isSameFile(path(QStringLiteral("music/none.wav")), file));
+        QVERIFY(!FileAttributes::isSameFile(path(QStringLiteral("music/none.wav")),
+                                            path(QStringLiteral("music/none.wav"))));
+        QVERIFY(!FileAttributes::identity(path(QStringLiteral("music/none.wav"))).has_value());
+    }
+
     void moveRenamesWithinTheFolder()
     {
         const QString from = path(QStringLiteral(".clip_converting_1A2B3C4D.mov"));

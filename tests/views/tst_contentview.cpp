@@ -139,6 +139,7 @@ private slots:
 
     void addsFilesThroughTheOpenPanel();
     void addsDroppedFilesAndAlertsForRefusedOnes();
+    void showsQueuedFileAlertsOneAfterTheOther();
     void reordersByDraggingARowOntoAnother();
     void removesRowsByButtonAndByDeleteKey();
     void clearsTheList();
@@ -259,6 +260,34 @@ void ContentViewTest::addsDroppedFilesAndAlertsForRefusedOnes()
     QVERIFY(!textEnter.isAccepted());
 }
 
+void ContentViewTest::showsQueuedFileAlertsOneAfterTheOther()
+{
+    Window w;
+    auto data = std::make_unique<QMimeData>();
+    data->setUrls({QUrl::fromLocalFile(QStringLiteral("/media/a.txt")),
+                   QUrl::fromLocalFile(QStringLiteral("/media/b.txt"))});
+    const QPointF centre(w.list()->width() / 2.0, w.list()->height() / 2.0);
+    QDragEnterEvent enter(centre.toPoint(), Qt::CopyAction, data.get(), Qt::LeftButton,
+                          Qt::NoModifier);
+    QApplication::sendEvent(w.list(), &enter);
+    QDropEvent drop(centre, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(w.list(), &drop);
+
+    for (const QString& name : {QStringLiteral("a.txt"), QStringLiteral("b.txt")}) {
+        QTRY_VERIFY(w.view()->fileAlertBox() != nullptr);
+        QMessageBox* alert = w.view()->fileAlertBox();
+        QTRY_VERIFY(alert->isVisible());
+        QCOMPARE(alert->informativeText(),
+                 QStringLiteral("The file '%1' is not a supported media file. Please select "
+                                "audio or video files only.")
+                     .arg(name));
+        QTest::mouseClick(alert->buttons().front(), Qt::LeftButton);
+        QTRY_VERIFY(w.view()->fileAlertBox() != alert);
+    }
+    QTRY_VERIFY(!w.model.showingFileAlert());
+    QTRY_VERIFY(w.view()->fileAlertBox() == nullptr);
+}
+
 void ContentViewTest::reordersByDraggingARowOntoAnother()
 {
     Window w;
@@ -346,6 +375,10 @@ void ContentViewTest::formatAndCodecChangeTheSettingsSections()
                           QStringLiteral("Audio (AIFF)"), QStringLiteral("Audio (WAV)"),
                           QStringLiteral("Audio (M4A)"), QStringLiteral("Audio (CAF)")}));
     QCOMPARE(view->formatBox()->toolTip(), WindowTexts::formatHelp);
+    // The preset picker's help is its own text alone, whichever preset is chosen.
+    QVERIFY(w.model.selectedAnyPreset().has_value());
+    QCOMPARE(view->presetBox()->toolTip(), WindowTexts::presetHelp);
+    QCOMPARE(view->presetBox()->accessibleDescription(), WindowTexts::presetHelp);
 
     pickFormat(w, QStringLiteral("Audio (WAV)"));
     QVERIFY(shownIn(view->audioSettings(), &w.window));

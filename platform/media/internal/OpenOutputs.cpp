@@ -21,12 +21,33 @@ QStringList& openPaths()
     return paths;
 }
 
+QStringList& abandonedPaths()
+{
+    static QStringList paths;
+    return paths;
+}
+
 } // namespace
 
 void OpenOutputs::add(const QString& path)
 {
     const std::lock_guard lock(listMutex());
     openPaths().append(path);
+    abandonedPaths().removeAll(path);
+}
+
+void OpenOutputs::abandon(const QString& path)
+{
+    const std::lock_guard lock(listMutex());
+    openPaths().removeOne(path);
+    if (!abandonedPaths().contains(path))
+        abandonedPaths().append(path);
+}
+
+bool OpenOutputs::isUnfinished(const QString& path)
+{
+    const std::lock_guard lock(listMutex());
+    return openPaths().contains(path) || abandonedPaths().contains(path);
 }
 
 void OpenOutputs::remove(const QString& path)

@@ -44,6 +44,9 @@ OutputFile::OutputFile(const QString& path)
 
 OutputFile::~OutputFile()
 {
+    // Neither closed nor discarded: its writer never finished it.
+    if (m_descriptor >= 0)
+        OpenOutputs::abandon(m_path);
     release();
 }
 
