@@ -127,7 +127,9 @@ void ApplicationWindows::showSettings()
                 &ApplicationWindows::chooseDefaultDirectory);
         m_settings = makeWindow(settingsTitle, m_settingsView);
         m_settings->setMinimumWidth(520);
-        m_settings->resize(560, m_settings->sizeHint().height());
+        m_settings->resize(560, m_settings->heightForWidth(560) > 0
+                                    ? m_settings->heightForWidth(560)
+                                    : m_settings->minimumSizeHint().height());
     }
     bringForward(m_settings);
 }
@@ -200,7 +202,7 @@ void ApplicationWindows::showConversionProgress()
         m_progressView = new ConversionProgressView(m_converter->enhancedProgressTracker(),
                                                     m_converter->batchProgressManager());
         m_progress = makeWindow(progressTitle, m_progressView);
-        m_progress->setMinimumSize(520, 420);
+        m_progress->setMinimumSize(600, 420);
         m_progress->resize(640, 620);
     }
     bringForward(m_progress);

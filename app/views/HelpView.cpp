@@ -36,6 +36,7 @@ HelpView::HelpView(HelpModel* model, QWidget* parent)
     m_sections = new QListWidget(sidebar);
     m_sections->setAccessibleName(QStringLiteral("Help sections"));
     m_sections->setTextElideMode(Qt::ElideRight);
+    m_sections->setSpacing(3);
     sideLayout->addWidget(m_sections, 1);
 
     m_page = new QTextBrowser(this);

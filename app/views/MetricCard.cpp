@@ -10,6 +10,8 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace Ondrilet {
 
 MetricCard::MetricCard(const QString& title, const QString& symbol, QWidget* parent)
@@ -20,7 +22,6 @@ MetricCard::MetricCard(const QString& title, const QString& symbol, QWidget* par
     , m_title(new SecondaryLabel(title, this))
 {
     setAccessibleName(title);
-    setMinimumWidth(120);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(12, 10, 12, 10);
@@ -39,6 +40,8 @@ MetricCard::MetricCard(const QString& title, const QString& symbol, QWidget* par
     layout->addWidget(m_icon);
     layout->addWidget(m_value);
     layout->addWidget(m_title);
+    // The title always shows whole; the row of cards grows the window instead.
+    setMinimumWidth(std::max(96, QFontMetrics(titleFont).horizontalAdvance(title) + 28));
     refreshIcon();
 }
 

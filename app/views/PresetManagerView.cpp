@@ -20,6 +20,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Ondrilet {
@@ -174,6 +175,7 @@ QWidget* PresetManagerView::makeEditorPane()
     addLevelSection(editor, layout);
     addMetadataSection(editor, layout);
     layout->addStretch(1);
+    alignFormLabels(editor);
 
     m_editorScroll->setWidget(editor);
     m_pages->addWidget(m_editorScroll);
@@ -352,6 +354,27 @@ void PresetManagerView::addMetadataSection(QWidget* parent, QVBoxLayout* layout)
             [this](bool on) { edit([&](PresetEditingFields& f) { f.keepOriginalDate = on; }); });
     connect(m_writeDate, &QCheckBox::toggled, this,
             [this](bool on) { edit([&](PresetEditingFields& f) { f.writeDateToFilename = on; }); });
+}
+
+void PresetManagerView::alignFormLabels(QWidget* editor)
+{
+    // One label column through every section, as if the editor were one form.
+    QList<QWidget*> labels;
+    int widest = 0;
+    for (QFormLayout* form : editor->findChildren<QFormLayout*>()) {
+        for (int row = 0; row < form->rowCount(); ++row) {
+            QLayoutItem* item = form->itemAt(row, QFormLayout::LabelRole);
+            if (item == nullptr || item->widget() == nullptr)
+                continue;
+            labels.append(item->widget());
+            widest = std::max(widest, item->widget()->sizeHint().width());
+        }
+    }
+    for (QWidget* label : labels) {
+        label->setMinimumWidth(widest);
+        if (auto* text = qobject_cast<QLabel*>(label))
+            text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
 }
 
 bool PresetManagerView::isEditorShown() const

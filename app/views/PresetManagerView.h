@@ -56,6 +56,7 @@ private:
     void addLevelSection(QWidget* parent, QVBoxLayout* layout);
     void addMetadataSection(QWidget* parent, QVBoxLayout* layout);
 
+    static void alignFormLabels(QWidget* editor);
     void refreshList();
     void refreshEditor();
     template <typename Change>

@@ -159,6 +159,7 @@ void OtherWindowsTest::initTestCase()
 {
     QVERIFY(m_dir.isValid());
     platform::UserDefaults::setStandardFilePath(m_dir.filePath(QStringLiteral("prefs.conf")));
+    QCoreApplication::setApplicationName(QStringLiteral("Ondrilet"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
 }
 
@@ -238,6 +239,7 @@ void OtherWindowsTest::aboutPressedTwiceGivesOneWindow()
     QCOMPARE(p.windows.aboutWindow(), first);
     QCOMPARE(windowsTitled(QStringLiteral("About Ondrilet")), 1);
     AboutView* view = p.windows.aboutView();
+    QCOMPARE(view->nameLabel()->text(), QStringLiteral("Ondrilet"));
     QCOMPARE(view->versionLabel()->text(), QStringLiteral("v1.0"));
     QCOMPARE(view->copyrightLabel()->text(),
              QStringLiteral("© %1 Valdrick Works").arg(QDate::currentDate().year()));
