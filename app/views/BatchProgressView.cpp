@@ -145,9 +145,10 @@ void BatchProgressView::refreshStats()
     m_count->setText(ProgressTexts::filesCompletedText(stats.completedFiles, stats.totalFiles));
     m_percent->setText(ProgressTexts::percentText(stats.totalProgress));
     m_bar->setValue(int(std::lround(std::clamp(stats.totalProgress, 0.0, 1.0) * barMaximum)));
-    m_cards[0]->setValue(m_manager->processingSpeedText());
-    m_cards[1]->setValue(m_manager->memoryUsageText());
-    m_cards[2]->setValue(m_manager->compressionRatioText());
+    // The same figures as the manager's texts, written without regard to the C locale.
+    m_cards[0]->setValue(ProgressTexts::speedText(stats.averageProcessingSpeed));
+    m_cards[1]->setValue(ProgressTexts::sizeText(m_manager->memoryStats().currentUsage));
+    m_cards[2]->setValue(ProgressTexts::ratioText(m_manager->compressionRatio()));
 }
 
 void BatchProgressView::refreshFiles()

@@ -3,6 +3,7 @@
 // settings and progress windows bound to their models, and screenshots in light and dark.
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
 #include "app/batch/BatchProgressManager.h"
+#include "app/batch/ProgressTexts.h"
 #include "app/driver/MediaConverter.h"
 #include "app/help/HelpModel.h"
 #include "app/presets/PresetManagerModel.h"
@@ -46,6 +47,8 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QToolButton>
+
+#include <clocale>
 
 using namespace Ondrilet;
 
@@ -458,6 +461,15 @@ void OtherWindowsTest::batchViewFollowsTheManager()
     QVERIFY(view->metricCards().at(0)->value().endsWith(QStringLiteral(" MB/s")));
     QVERIFY(view->metricCards().at(1)->value().endsWith(QStringLiteral(" MB")));
     QVERIFY(view->metricCards().at(2)->value().endsWith(QStringLiteral("%")));
+
+    // In a locale that writes a decimal comma, the figures keep their point.
+    const QByteArray saved(std::setlocale(LC_ALL, nullptr));
+    std::setlocale(LC_ALL, "de_DE.UTF-8");
+    manager->updateFileProgress(b, ConversionEngine::ConversionPhase::processingAudio, 0.5);
+    QCOMPARE(view->metricCards().at(2)->value(),
+             ProgressTexts::ratioText(manager->compressionRatio()));
+    QVERIFY(view->metricCards().at(2)->value().contains(QLatin1Char('.')));
+    std::setlocale(LC_ALL, saved.constData());
 }
 
 void OtherWindowsTest::pauseAndResumeChangeOnlyTheFlags()
