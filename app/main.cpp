@@ -7,6 +7,7 @@
 #include "app/desktop/WindowCommandLine.h"
 #include "app/presets/PresetStore.h"
 #include "app/views/AppearancePalette.h"
+#include "app/views/ApplicationWindows.h"
 #include "app/views/MainWindow.h"
 #include "app/window/ContentViewModel.h"
 #include "app/window/FileListModel.h"
@@ -79,6 +80,7 @@ int main(int argc, char* argv[])
 
     Ondrilet::InstanceChannel::openFiles(files, false);
     Ondrilet::MainWindow window(&model);
+    Ondrilet::ApplicationWindows windows(&window, &presetStore, model.mediaConverter());
     QObject::connect(&channel, &Ondrilet::InstanceChannel::filesReceived, &window,
                      [&window](const QStringList& received) {
                          Ondrilet::InstanceChannel::openFiles(received, window.hasAppeared());

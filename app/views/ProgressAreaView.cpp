@@ -7,6 +7,7 @@
 
 #include <QHBoxLayout>
 #include <QProgressBar>
+#include <QToolButton>
 
 #include <algorithm>
 #include <cmath>
@@ -24,7 +25,12 @@ ProgressAreaView::ProgressAreaView(MediaConverter* converter, QWidget* parent)
     , m_dot(new HeartbeatDot(this))
     , m_bar(new QProgressBar(this))
     , m_status(new ElidedLabel(this, Qt::ElideRight))
+    , m_details(new QToolButton(this))
 {
+    m_details->setText(QStringLiteral("Show Details"));
+    m_details->setAutoRaise(true);
+    m_details->setToolTip(QStringLiteral("Show the progress of every file, speed, memory and ETA"));
+    connect(m_details, &QToolButton::clicked, this, &ProgressAreaView::showDetailsRequested);
     m_bar->setRange(0, barMaximum);
     m_bar->setTextVisible(false);
     m_bar->setFixedHeight(8);
@@ -41,6 +47,7 @@ ProgressAreaView::ProgressAreaView(MediaConverter* converter, QWidget* parent)
     layout->addWidget(m_dot);
     layout->addWidget(m_bar, 2);
     layout->addWidget(m_status, 3);
+    layout->addWidget(m_details);
 
     connect(converter, &MediaConverter::progressChanged, this, &ProgressAreaView::refresh);
     connect(converter, &MediaConverter::progressMessageChanged, this, &ProgressAreaView::refresh);

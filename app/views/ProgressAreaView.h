@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class QProgressBar;
+class QToolButton;
 
 namespace Ondrilet {
 
@@ -28,14 +29,20 @@ public:
     HeartbeatDot* heartbeatDot() const { return m_dot; }
     QProgressBar* progressBar() const { return m_bar; }
     ElidedLabel* statusLabel() const { return m_status; }
+    // "Show Details": opens the window with the conversion's and the batch's detailed progress.
+    QToolButton* detailsButton() const { return m_details; }
 
     void refresh();
+
+signals:
+    void showDetailsRequested();
 
 private:
     MediaConverter* m_converter = nullptr;
     HeartbeatDot* m_dot = nullptr;
     QProgressBar* m_bar = nullptr;
     ElidedLabel* m_status = nullptr;
+    QToolButton* m_details = nullptr;
 };
 
 } // namespace Ondrilet
