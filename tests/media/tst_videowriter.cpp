@@ -508,6 +508,75 @@ private slots:
         QVERIFY(std::abs(streamDuration(path, "video") - 1.0) < 0.04);
     }
 
+    void metadataReadsBackTheSame_data()
+    {
+        QTest::addColumn<int>("fileType");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("custom");
+        QTest::newRow("mov with custom keys")
+            << int(FileType::quickTimeMovie) << "tags.mov" << true;
+        QTest::newRow("mp4 with custom keys") << int(FileType::mpeg4) << "tags.mp4" << true;
+        QTest::newRow("mov plain") << int(FileType::quickTimeMovie) << "plain-tags.mov" << false;
+        QTest::newRow("mp4 plain") << int(FileType::mpeg4) << "plain-tags.mp4" << false;
+    }
+
+    void metadataReadsBackTheSame()
+    {
+        QFETCH(int, fileType);
+        QFETCH(QString, name);
+        QFETCH(bool, custom);
+        const QString path = target(name);
+        AssetWriter writer(path, FileType(fileType));
+        AssetWriterInput input(MediaType::video, videoSettings(VideoCodecName::h264, 320, 240));
+        writer.add(input);
+        std::vector<MetadataItem> items{
+            {"title", "", QString("A Title")},
+            {"location", "", QString("+12.3456-065.4321/")},
+        };
+        if (custom) {
+            items.push_back({"org.ondrilet.albumArtist", "", QString("Someone")});
+            items.push_back({"com.apple.quicktime.make", "", QString("Acme")});
+        }
+        writer.setMetadata(items);
+        QVERIFY(writer.startWriting());
+        writer.startSession(MediaTime::zero());
+        const auto picture = PixelBuffer::create(320, 240);
+        for (int i = 0; i < 5; ++i)
+            QVERIFY(input.append(
+                SampleBuffer::makeVideo(MediaTime::make(i, 25), MediaTime::make(1, 25), picture)));
+        input.markAsFinished();
+        finish(writer);
+        QCOMPARE(writer.status(), AssetWriter::Status::completed);
+
+        const std::vector<MetadataItem> read = Asset(path).metadata();
+        auto find = [&read](auto&& test) -> std::optional<MetadataItem> {
+            for (const MetadataItem& item : read) {
+                if (test(item))
+                    return item;
+            }
+            return std::nullopt;
+        };
+        const auto title = find([](const MetadataItem& item) { return item.commonKey == "title"; });
+        QVERIFY(title);
+        QCOMPARE(title->value.toString(), QString("A Title"));
+        const auto location =
+            find([](const MetadataItem& item) { return item.identifier == "location"; });
+        QVERIFY(location);
+        QCOMPARE(location->value.toString(), QString("+12.3456-065.4321/"));
+        if (custom) {
+            const auto mine = find([](const MetadataItem& item) {
+                return item.identifier == "org.ondrilet.albumArtist";
+            });
+            QVERIFY(mine);
+            QCOMPARE(mine->value.toString(), QString("Someone"));
+            const auto make = find([](const MetadataItem& item) {
+                return item.identifier == "com.apple.quicktime.make";
+            });
+            QVERIFY(make);
+            QCOMPARE(make->value.toString(), QString("Acme"));
+        }
+    }
+
     void compositionIntoWriter()
     {
         const QString source = videotest::makeClip(m_dir.path(), "thirty.mp4", 2, 30);

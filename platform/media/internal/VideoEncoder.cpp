@@ -3,6 +3,7 @@
 #include "platform/media/FormatDescription.h"
 #include "platform/media/MediaError.h"
 #include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/InputFile.h"
 #include "platform/media/internal/PixelBufferState.h"
 
 #include <QThread>
@@ -129,6 +130,7 @@ bool VideoEncoder::hasEncoder() const
 
 void VideoEncoder::open(AVFormatContext* muxer)
 {
+    quietFfmpegLogging(); // the encoders talk at their opening
     const AVCodec* codec = m_encoderName ? avcodec_find_encoder_by_name(m_encoderName) : nullptr;
     if (!codec)
         throw noEncoder(m_encoderName ? m_encoderName : "this codec");
