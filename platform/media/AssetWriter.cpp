@@ -4,9 +4,12 @@
 #include "platform/media/internal/EncoderChoice.h"
 #include "platform/media/internal/FfmpegError.h"
 #include "platform/media/internal/OpenOutputs.h"
+#include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
+#include <QDateTime>
 #include <QFileInfo>
+#include <QHash>
 #include <QLoggingCategory>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -54,6 +57,48 @@ std::unique_ptr<internal::AudioEncoder> audioEncoderFor(const internal::InputSta
     return encoder;
 }
 
+std::unique_ptr<internal::VideoEncoder> videoEncoderFor(const internal::InputState& input,
+                                                        FileType type)
+{
+    const std::optional<internal::VideoEncoding> encoding =
+        internal::videoEncodingFor(input.settings);
+    if (!encoding || !internal::containerCarries(type, encoding->codec))
+        return nullptr;
+    return std::make_unique<internal::VideoEncoder>(*encoding, type, input.sourceExtensions);
+}
+
+std::unique_ptr<internal::InputEncoder> encoderFor(const internal::InputState& input, FileType type)
+{
+    if (input.mediaType == MediaType::video)
+        return videoEncoderFor(input, type);
+    return audioEncoderFor(input, type);
+}
+
+// Where a common tag goes among QuickTime metadata keys, which players read there.
+QString quickTimeKeyFor(const QString& identifier)
+{
+    static const QHash<QString, QString> keys{
+        {QStringLiteral("title"), QStringLiteral("com.apple.quicktime.title")},
+        {QStringLiteral("artist"), QStringLiteral("com.apple.quicktime.artist")},
+        {QStringLiteral("album"), QStringLiteral("com.apple.quicktime.album")},
+        {QStringLiteral("genre"), QStringLiteral("com.apple.quicktime.genre")},
+        {QStringLiteral("date"), QStringLiteral("com.apple.quicktime.creationdate")},
+        {QStringLiteral("composer"), QStringLiteral("com.apple.quicktime.author")},
+        {QStringLiteral("comment"), QStringLiteral("com.apple.quicktime.comment")},
+        {QStringLiteral("description"), QStringLiteral("com.apple.quicktime.description")},
+    };
+    return keys.value(identifier, identifier);
+}
+
+QByteArray textOf(const QVariant& value)
+{
+    if (value.metaType().id() == QMetaType::QDateTime)
+        return value.toDateTime().toString(Qt::ISODate).toUtf8();
+    if (value.metaType().id() == QMetaType::QDate)
+        return value.toDate().toString(Qt::ISODate).toUtf8();
+    return value.toString().toUtf8();
+}
+
 } // namespace
 
 AssetWriter::AssetWriter(QString outputPath, FileType fileType)
@@ -91,9 +136,7 @@ bool AssetWriter::canAdd(const AssetWriterInput& input) const
         return false;
     if (isAudioOnly(m_state->fileType) && !m_state->inputs.empty())
         return false;
-    if (input.mediaType() == MediaType::audio)
-        return audioEncoderFor(*input.state(), m_state->fileType) != nullptr;
-    return false;
+    return encoderFor(*input.state(), m_state->fileType) != nullptr;
 }
 
 void AssetWriter::add(const AssetWriterInput& input)
@@ -103,7 +146,7 @@ void AssetWriter::add(const AssetWriterInput& input)
         return;
     }
     const std::lock_guard lock(m_state->mutex);
-    input.state()->encoder = audioEncoderFor(*input.state(), m_state->fileType);
+    input.state()->encoder = encoderFor(*input.state(), m_state->fileType);
     input.state()->writer = m_state;
     m_state->inputs.push_back(input.state());
     m_inputs.push_back(input);
@@ -114,11 +157,29 @@ std::vector<AssetWriterInput> AssetWriter::inputs() const
     return m_inputs;
 }
 
+void AssetWriter::setMetadata(std::vector<MetadataItem> items)
+{
+    m_metadata = std::move(items);
+}
+
 bool AssetWriter::startWriting()
 {
     const std::lock_guard lock(m_state->mutex);
     if (m_state->status() != internal::WriterState::unknown)
         return false;
+    // Keys with a dot cannot live in QuickTime user data; once one is there, every tag is
+    // written as a metadata key, the common ones under the names players read.
+    bool keyed = false;
+    for (const MetadataItem& item : m_metadata)
+        keyed = keyed || item.identifier.contains(QLatin1Char('.'));
+    m_state->keyedTags = keyed;
+    m_state->tags.clear();
+    for (const MetadataItem& item : m_metadata) {
+        if (item.identifier.isEmpty() || !item.value.isValid())
+            continue;
+        const QString key = keyed ? quickTimeKeyFor(item.identifier) : item.identifier;
+        m_state->tags.emplace_back(key.toUtf8(), textOf(item.value));
+    }
     try {
         m_state->start();
     } catch (const MediaError& error) {

@@ -39,6 +39,8 @@ public:
     const MediaType mediaType;
     const SettingsDictionary settings;
     int sourceBitDepth = 0;
+    // Video: the source's format-description extensions (its colour tags), may be empty.
+    SettingsDictionary sourceExtensions;
     bool expectsMediaDataInRealTime = false;
 
     // Everything below is guarded by the writer's lock once the input is added.
@@ -111,6 +113,10 @@ public:
     bool failedWhileWriting = false;
     std::vector<std::shared_ptr<InputState>> inputs;
     MediaTime sessionStart = MediaTime::invalid();
+    // Tags for the container, as FFmpeg keys and texts; `keyedTags` writes them as QuickTime
+    // metadata keys.
+    std::vector<std::pair<QByteArray, QByteArray>> tags;
+    bool keyedTags = false;
     bool finishing = false;
 
 private:
