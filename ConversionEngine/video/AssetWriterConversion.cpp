@@ -399,6 +399,8 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
     // Declared before the pumps so that it outlives every call of them.
     platform::SerialQueue crfProcessingQueue(QStringLiteral("crfProcessingQueue"));
     std::shared_ptr<PumpFinish> finish;
+    std::shared_ptr<VideoSamplePump> videoPump;
+    std::shared_ptr<VideoAudioPump> audioPump;
     const QPointer<EnhancedProgressTracker> weakTracker(tracker);
     PumpSuspension suspension{[&](std::function<void()> resume) {
         PumpFinish::Parameters finishParameters;
@@ -428,22 +430,33 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
                                                 ConversionPhase::processingVideo);
             });
         };
-        auto videoPump = std::make_shared<VideoSamplePump>(std::move(videoParameters));
-        videoInput.requestMediaDataWhenReady(crfProcessingQueue, [videoPump] { (*videoPump)(); });
+        videoPump = std::make_shared<VideoSamplePump>(std::move(videoParameters));
+        // The writer input keeps its block for good; held weakly, the pump ends with this run.
+        videoInput.requestMediaDataWhenReady(
+            crfProcessingQueue, [weakPump = std::weak_ptr<VideoSamplePump>(videoPump)] {
+                if (const std::shared_ptr<VideoSamplePump> pump = weakPump.lock())
+                    (*pump)();
+            });
 
         if (audioOutput && audio.input) {
             Console::print(QStringLiteral("🎵 Starting audio processing..."));
-            auto audioPump = std::make_shared<VideoAudioPump>(VideoAudioPump::Parameters{
+            audioPump = std::make_shared<VideoAudioPump>(VideoAudioPump::Parameters{
                 std::make_shared<MediaAudioEndpoints>(audioOutput, *audio.input),
                 std::make_shared<std::int64_t>(0),
                 [finish] { finish->finished(PumpFinish::Pump::audio); }});
-            audio.input->requestMediaDataWhenReady(crfProcessingQueue,
-                                                   [audioPump] { (*audioPump)(); });
+            audio.input->requestMediaDataWhenReady(
+                crfProcessingQueue, [weakPump = std::weak_ptr<VideoAudioPump>(audioPump)] {
+                    if (const std::shared_ptr<VideoAudioPump> pump = weakPump.lock())
+                        (*pump)();
+                });
         } else {
             Console::print(QStringLiteral("ℹ️ No audio track to process"));
         }
     }};
     co_await suspension;
+    // A pump still inside a call keeps itself alive until it returns; the queue is joined below.
+    videoPump.reset();
+    audioPump.reset();
 
     if (writer->status() == platform::AssetWriter::Status::failed)
         throwMapped(writer->error(), QStringLiteral("CRF conversion failed"));

@@ -16,6 +16,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -59,16 +60,20 @@ inline QString runProbe(const QStringList& arguments)
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
-// The presentation times of the first video stream's frames, in seconds.
+// The presentation times of the frames the file holds for its first video stream, in seconds and
+// in order: one per stored packet as written, read past the track's edit list (which decides
+// what a player shows of them, and is the writer's own matter).
 inline std::vector<double> frameTimes(const QString& path)
 {
-    const QString text = runProbe(
-        {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
-         QStringLiteral("v:0"), QStringLiteral("-show_entries"), QStringLiteral("frame=pts_time"),
-         QStringLiteral("-of"), QStringLiteral("csv=p=0"), path});
+    const QString text =
+        runProbe({QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-ignore_editlist"),
+                  QStringLiteral("1"), QStringLiteral("-select_streams"), QStringLiteral("v:0"),
+                  QStringLiteral("-show_entries"), QStringLiteral("packet=pts_time"),
+                  QStringLiteral("-of"), QStringLiteral("csv=p=0"), path});
     std::vector<double> times;
     for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         times.push_back(line.trimmed().remove(QLatin1Char(',')).toDouble());
+    std::sort(times.begin(), times.end());
     return times;
 }
 
