@@ -243,7 +243,7 @@ private slots:
 
     void aSecondCtrlCRemovesTheUnfinishedVideo()
     {
-        const QStringList names = longClips(1, 120.0);
+        const QStringList names = longClips(1, 60.0);
         QProcess process;
         startInWork(process, names + QStringList{QStringLiteral("--format"), QStringLiteral("mov"),
                                                  QStringLiteral("--video-codec"),
