@@ -19,6 +19,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -52,8 +54,8 @@ const QString corruptedText = QStringLiteral(
 const QString outputExistsText =
     QStringLiteral("An unexpected error occurred: Output file already exists (overwrite disabled)");
 const QString noVideoText =
-    QStringLiteral("Conversion failed: Video conversion is not available in this build\n\nTry "
-                   "using different conversion settings or check the input file.");
+    QStringLiteral("Invalid file structure: No video tracks found in input file\n\nThe file may "
+                   "be corrupted. Try with a different file.");
 
 ConversionSettings audioSettingsFor(AudioFormat format)
 {
@@ -552,7 +554,7 @@ private slots:
         QCOMPARE(allNames(m_outputs), QStringList());
     }
 
-    void videoOutputFailsWithAClearText()
+    void soundOnlySourceToAVideoOutputFails()
     {
         const QString a = source(QStringLiteral("a.wav"));
         MediaConverter converter;
@@ -560,18 +562,17 @@ private slots:
                                      options(false, false, false), m_outputs, false);
         QCOMPARE(result.errors, QStringList{noVideoText});
         QCOMPARE(converter.enhancedProgressTracker()->statusMessage(),
-                 QStringLiteral("❌ Conversion failed: Video conversion is not available in this "
-                                "build"));
+                 QStringLiteral("❌ Invalid file structure: No video tracks found in input file"));
         QCOMPARE(allNames(m_outputs), QStringList());
     }
 
     // "clip.mov" to a MOV beside itself, no option on: the name equals the input, so the
-    // temporary road is taken, and the failure removes the temporary file again.
-    void videoOutputOverItsInputLeavesTheInputAlone()
+    // temporary road is taken, and the finished video takes the place of the original.
+    void videoOutputOverItsInputReplacesTheInput()
     {
         const QString clip = Fixtures::makeVideo(m_sources, QStringLiteral("clip.mov"), 1.0, true);
         QVERIFY2(!clip.isEmpty(), qPrintable(Fixtures::lastError()));
-        keep(clip);
+        const QByteArray before = Fixtures::sha256(clip);
         MediaConverter converter;
         QCOMPARE(converter.outputURL(clip, videoSettingsFor(VideoFormat::mov),
                                      options(false, false, false), m_sources, std::nullopt,
@@ -579,12 +580,36 @@ private slots:
                  clip);
         const RunResult result = run(converter, {clip}, videoSettingsFor(VideoFormat::mov),
                                      options(false, false, false), m_outputs, true);
-        QCOMPARE(result.errors, QStringList{noVideoText});
+        QCOMPARE(result.errors, QStringList());
         QVERIFY(fileLines(result.lines)
                     .first()
                     .startsWith(QStringLiteral(
                         "🔄 Output would overwrite input - using temp file: .clip_converting_")));
+        QVERIFY(result.lines.contains(QStringLiteral("✅ Replaced original file: clip.mov")));
         QCOMPARE(allNames(m_sources), QStringList{QStringLiteral("clip.mov")});
+        QVERIFY(Fixtures::sha256(clip) != before);
+        const QJsonArray streams = Fixtures::probe(clip).value(QStringLiteral("streams")).toArray();
+        QCOMPARE(streams.size(), 2);
+        QCOMPARE(converter.batchProgressManager()->batchStats().completedFiles, std::int64_t(1));
+    }
+
+    void videoOutputInTheOutputDirectory()
+    {
+        const QString clip =
+            Fixtures::makeVideo(m_sources, QStringLiteral("movie.mp4"), 1.0, false);
+        QVERIFY2(!clip.isEmpty(), qPrintable(Fixtures::lastError()));
+        keep(clip);
+        MediaConverter converter;
+        ConversionSettings settings = videoSettingsFor(VideoFormat::mp4);
+        settings.videoSettings.resolution = VideoResolution::p720;
+        const RunResult result =
+            run(converter, {clip}, settings, options(true, false, false), m_outputs, false);
+        QCOMPARE(result.errors, QStringList());
+        const QStringList names = allNames(m_outputs);
+        QCOMPARE(names.size(), 1);
+        QVERIFY2(names.first().endsWith(QStringLiteral(".mp4")), qPrintable(names.first()));
+        QCOMPARE(converter.enhancedProgressTracker()->statusMessage(),
+                 QStringLiteral("✅ 1 files converted successfully."));
     }
 
     void cancellationTakesEffectBeforeTheNextFile()

@@ -1,0 +1,15 @@
+#include "ConversionEngine/core/ReadingArrangement.h"
+
+namespace ConversionEngine {
+
+ReadingArrangement readingArrangement(bool useSourceRate, double targetFramesPerSecond,
+                                      double sourceNominalFramesPerSecond)
+{
+    if (useSourceRate)
+        return ReadingArrangement::sourceTiming;
+    if (targetFramesPerSecond > sourceNominalFramesPerSecond)
+        return ReadingArrangement::upsampling;
+    return ReadingArrangement::downsampling;
+}
+
+} // namespace ConversionEngine
