@@ -1,13 +1,18 @@
-// The options the command line accepts: name, value, accepted values and help, in the order the
-// help lists them. The parser and the help text both read this one table, so that the help
-// documents exactly what is accepted. Any thread.
+// The options the command line accepts: name, value, accepted values, help and the handler that
+// takes the option into the request, one row each, in the order the help lists them. The parser,
+// the help text, the man page and the shell completion all read this one table, so that they
+// document exactly what is accepted. A row cannot be written without its handler. Any thread.
 #pragma once
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 
+#include <cstddef>
+
 namespace Ondrilet {
+
+struct CliParseState;
 
 struct CliOption
 {
@@ -21,11 +26,23 @@ struct CliOption
         metadata,
     };
 
+    // Takes the option with its value (empty for a switch) into the parse; throws UsageError
+    // for a value it cannot accept.
+    using Handler = void (*)(CliParseState& state, const CliOption& option, const QString& value);
+
+    // `choices` is a blank-separated list, empty when any value goes.
+    CliOption(const char* optionName, const char* valueNameText, const char* choiceList,
+              const char* helpText, Group optionGroup, Handler optionHandler);
+    // A row whose handler is left null does not compile.
+    CliOption(const char* optionName, const char* valueNameText, const char* choiceList,
+              const char* helpText, Group optionGroup, std::nullptr_t) = delete;
+
     QString name;        // "--format"
     QString valueName;   // "FORMAT"; empty for a switch
     QStringList choices; // the accepted values when they are a fixed list
     QString help;
     Group group = Group::action;
+    Handler handler;
 
     bool takesValue() const { return !valueName.isEmpty(); }
 

@@ -1,6 +1,7 @@
 // Turns the words of a command line into a CliRequest: the action, the input files, the preset
-// and the panel settings in the order given. It checks every value against what the panel
-// offers and throws UsageError for anything it cannot accept; it touches no model and no file.
+// and the panel settings in the order given. It splits the line into options and files and hands
+// each option to its handler in the option table, which checks the value against what the panel
+// offers; anything it cannot accept throws UsageError. It touches no model and no file.
 // Any thread.
 #pragma once
 
@@ -11,6 +12,8 @@
 
 namespace Ondrilet {
 
+struct CliParseState;
+
 class CliOptionParser
 {
 public:
@@ -19,20 +22,7 @@ public:
     static CliRequest parse(const QStringList& arguments, const QString& workingDirectory);
 
 private:
-    explicit CliOptionParser(QString workingDirectory);
-
-    void take(const QString& name, const QString& value);
-    bool takeAction(const QString& name, const QString& value);
-    CliSetting setting(const QString& name, const QString& value) const;
-    QString absolutePath(const QString& path) const;
-    CliRequest finish() const;
-
-    QString m_workingDirectory;
-    CliRequest m_request;
-    bool m_help = false;
-    bool m_version = false;
-    bool m_listPresets = false;
-    bool m_measure = false;
+    static CliRequest finish(const CliParseState& state);
 };
 
 } // namespace Ondrilet

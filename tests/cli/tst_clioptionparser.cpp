@@ -384,6 +384,18 @@ private slots:
         QCOMPARE(refusal(arguments), message);
     }
 
+    // The parser finds an option by its name, so two rows of one name would hide the second.
+    void everyOptionNameIsUnique()
+    {
+        QStringList names;
+        for (const CliOption& entry : CliOption::all()) {
+            QVERIFY2(!names.contains(entry.name), qPrintable(entry.name));
+            QVERIFY(entry.name.startsWith(QStringLiteral("--")));
+            names.append(entry.name);
+        }
+        QVERIFY(names.size() > 30);
+    }
+
     // Each option of the table is accepted with a value of its own kind.
     void everyOptionOfTheTableIsAccepted()
     {
