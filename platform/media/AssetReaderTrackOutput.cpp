@@ -3,6 +3,7 @@
 #include "platform/media/Asset.h"
 #include "platform/media/internal/AudioTrackDecoder.h"
 #include "platform/media/internal/ReaderState.h"
+#include "platform/media/internal/VideoTrackDecoder.h"
 
 namespace platform {
 
@@ -60,10 +61,23 @@ AssetReaderTrackOutput::formFor(const SettingsDictionary& settings)
     return form;
 }
 
+bool AssetReaderTrackOutput::videoSettingsSupported(const SettingsDictionary& settings)
+{
+    for (const QString& key : settings.keys()) {
+        if (key != SettingsKey::pixelFormatType)
+            return false;
+    }
+    return !settings.contains(SettingsKey::pixelFormatType) ||
+           settings.integer(SettingsKey::pixelFormatType) == PixelFormatType::bgra32;
+}
+
 bool AssetReaderTrackOutput::canReadFrom(const Asset& asset) const
 {
-    return asset.state() == m_track.assetState() && m_track.mediaType() == MediaType::audio &&
-           formFor(m_outputSettings).has_value();
+    if (asset.state() != m_track.assetState())
+        return false;
+    if (m_track.mediaType() == MediaType::video)
+        return videoSettingsSupported(m_outputSettings);
+    return formFor(m_outputSettings).has_value();
 }
 
 std::set<int> AssetReaderTrackOutput::sourceStreams() const
@@ -73,6 +87,11 @@ std::set<int> AssetReaderTrackOutput::sourceStreams() const
 
 void AssetReaderTrackOutput::startReading()
 {
+    if (m_track.mediaType() == MediaType::video) {
+        m_videoDecoder =
+            std::make_unique<internal::VideoTrackDecoder>(*reader()->source(), m_track.trackId());
+        return;
+    }
     const Form form = *formFor(m_outputSettings);
     m_decoder = std::make_unique<internal::AudioTrackDecoder>(
         *reader()->source(), m_track.trackId(),
@@ -85,10 +104,11 @@ std::shared_ptr<SampleBuffer> AssetReaderTrackOutput::copyNextSampleBuffer()
     if (!state)
         return nullptr;
     const std::lock_guard lock(state->mutex);
-    if (!state->isReading() || m_ended || !m_decoder)
+    if (!state->isReading() || m_ended || (!m_decoder && !m_videoDecoder))
         return nullptr;
     try {
-        std::shared_ptr<SampleBuffer> buffer = m_decoder->next();
+        std::shared_ptr<SampleBuffer> buffer =
+            m_videoDecoder ? m_videoDecoder->next() : m_decoder->next();
         if (!buffer) {
             m_ended = true;
             state->outputEnded();

@@ -1,7 +1,8 @@
-// Reads one audio track as sample buffers in the form its settings ask for: interleaved
+// Reads one track as sample buffers. Audio in the form its settings ask for: interleaved
 // little-endian float32 at the source's rate and channel count (the engine's decode settings),
-// or 16-bit integers at a given rate and channel count. copyNextSampleBuffer may be called from
-// a worker queue; buffers come from a pool and are the caller's alone.
+// or 16-bit integers at a given rate and channel count. Video (settings empty or BGRA): one
+// buffer per decoded frame, with the source's own presentation times and an image buffer.
+// copyNextSampleBuffer may be called from a worker queue; buffers are the caller's alone.
 #pragma once
 
 #include "platform/media/AssetReaderOutput.h"
@@ -16,7 +17,8 @@ namespace platform {
 
 namespace internal {
 class AudioTrackDecoder;
-}
+class VideoTrackDecoder;
+} // namespace internal
 
 class AssetReaderTrackOutput : public AssetReaderOutput
 {
@@ -29,8 +31,9 @@ public:
     MediaType mediaType() const override;
 
     // The next buffer in presentation order; an invalid buffer (isValid() false, no frames)
-    // where the decoder refused part of the stream; null at the end, when reading failed or
-    // was cancelled, or before reading started.
+    // where the audio decoder refused part of the stream; null at the end, when reading failed
+    // or was cancelled, or before reading started. A video frame the decoder refuses is
+    // skipped.
     std::shared_ptr<SampleBuffer> copyNextSampleBuffer();
 
     // The sample form these settings ask for; nullopt when this layer cannot deliver it.
@@ -41,6 +44,8 @@ public:
         int channelCount = 0; // 0: the source's
     };
     static std::optional<Form> formFor(const SettingsDictionary& outputSettings);
+    // Whether this layer can deliver video pictures for these settings (empty, or BGRA).
+    static bool videoSettingsSupported(const SettingsDictionary& outputSettings);
 
 private:
     bool canReadFrom(const Asset& asset) const override;
@@ -50,6 +55,7 @@ private:
     AssetTrack m_track;
     SettingsDictionary m_outputSettings;
     std::unique_ptr<internal::AudioTrackDecoder> m_decoder;
+    std::unique_ptr<internal::VideoTrackDecoder> m_videoDecoder;
     bool m_ended = false;
 };
 

@@ -37,6 +37,58 @@ std::vector<FormatDescription> AssetTrack::formatDescriptions() const
     return info().formatDescriptions;
 }
 
+Size AssetTrack::naturalSize() const
+{
+    return info().naturalSize;
+}
+
+AffineTransform AssetTrack::preferredTransform() const
+{
+    return info().preferredTransform;
+}
+
+float AssetTrack::nominalFrameRate() const
+{
+    return info().nominalFrameRate;
+}
+
+float AssetTrack::estimatedDataRate() const
+{
+    return info().estimatedDataRate;
+}
+
+QCoro::Task<Size> AssetTrack::loadNaturalSize() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.naturalSize();
+}
+
+QCoro::Task<AffineTransform> AssetTrack::loadPreferredTransform() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.preferredTransform();
+}
+
+QCoro::Task<float> AssetTrack::loadNominalFrameRate() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.nominalFrameRate();
+}
+
+QCoro::Task<float> AssetTrack::loadEstimatedDataRate() const
+{
+    const AssetTrack self = *this;
+    QFuture<void> probed = Asset::probeInBackground(self.m_asset);
+    co_await probed;
+    co_return self.estimatedDataRate();
+}
+
 QCoro::Task<bool> AssetTrack::loadIsEnabled() const
 {
     const AssetTrack self = *this;

@@ -1,9 +1,13 @@
-// One track of an asset: its identity, media type, whether it is enabled, and its format
-// descriptions. Loads are awaitable on the main thread; the plain accessors serve any thread.
+// One track of an asset: its identity, media type, whether it is enabled, its format
+// descriptions and, for video, its display size, matrix, frame rate and data rate. Loads are
+// awaitable on the main thread; the plain accessors serve any thread (they may block for the
+// probe, and throw its MediaError).
 #pragma once
 
+#include "platform/media/AffineTransform.h"
 #include "platform/media/FormatDescription.h"
 #include "platform/media/MediaType.h"
+#include "platform/media/Size.h"
 
 #include <QCoro/QCoroTask>
 
@@ -27,9 +31,24 @@ public:
     MediaType mediaType() const;
     bool isEnabled() const;
     std::vector<FormatDescription> formatDescriptions() const;
+    // Video: the display size before the matrix, where the file states a sample aspect ratio
+    // the coded width stretched by it (coded sizes are in formatDescriptions()). Audio: 0 × 0.
+    Size naturalSize() const;
+    // Video: the track's own display matrix as the file stores it, translation included (a
+    // phone clip turned 90° reads {0, 1, -1, 0, height, 0}); identity where there is none.
+    AffineTransform preferredTransform() const;
+    // Frames per second as the container states it (its average rate); 0 where it says none.
+    float nominalFrameRate() const;
+    // Bits per second of the track's stored data: its stated bit rate, else its bytes over its
+    // duration; 0 where neither is known.
+    float estimatedDataRate() const;
 
     QCoro::Task<bool> loadIsEnabled() const;
     QCoro::Task<std::vector<FormatDescription>> loadFormatDescriptions() const;
+    QCoro::Task<Size> loadNaturalSize() const;
+    QCoro::Task<AffineTransform> loadPreferredTransform() const;
+    QCoro::Task<float> loadNominalFrameRate() const;
+    QCoro::Task<float> loadEstimatedDataRate() const;
 
     const std::shared_ptr<internal::AssetState>& assetState() const { return m_asset; }
 

@@ -4,6 +4,7 @@
 #include "platform/media/internal/EncoderChoice.h"
 #include "platform/media/internal/FfmpegError.h"
 #include "platform/media/internal/OpenOutputs.h"
+#include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
 #include <QFileInfo>
@@ -54,6 +55,23 @@ std::unique_ptr<internal::AudioEncoder> audioEncoderFor(const internal::InputSta
     return encoder;
 }
 
+std::unique_ptr<internal::VideoEncoder> videoEncoderFor(const internal::InputState& input,
+                                                        FileType type)
+{
+    const std::optional<internal::VideoEncoding> encoding =
+        internal::videoEncodingFor(input.settings);
+    if (!encoding || !internal::containerCarries(type, encoding->codec))
+        return nullptr;
+    return std::make_unique<internal::VideoEncoder>(*encoding, type, input.sourceExtensions);
+}
+
+std::unique_ptr<internal::InputEncoder> encoderFor(const internal::InputState& input, FileType type)
+{
+    if (input.mediaType == MediaType::video)
+        return videoEncoderFor(input, type);
+    return audioEncoderFor(input, type);
+}
+
 } // namespace
 
 AssetWriter::AssetWriter(QString outputPath, FileType fileType)
@@ -91,9 +109,7 @@ bool AssetWriter::canAdd(const AssetWriterInput& input) const
         return false;
     if (isAudioOnly(m_state->fileType) && !m_state->inputs.empty())
         return false;
-    if (input.mediaType() == MediaType::audio)
-        return audioEncoderFor(*input.state(), m_state->fileType) != nullptr;
-    return false;
+    return encoderFor(*input.state(), m_state->fileType) != nullptr;
 }
 
 void AssetWriter::add(const AssetWriterInput& input)
@@ -103,7 +119,7 @@ void AssetWriter::add(const AssetWriterInput& input)
         return;
     }
     const std::lock_guard lock(m_state->mutex);
-    input.state()->encoder = audioEncoderFor(*input.state(), m_state->fileType);
+    input.state()->encoder = encoderFor(*input.state(), m_state->fileType);
     input.state()->writer = m_state;
     m_state->inputs.push_back(input.state());
     m_inputs.push_back(input);

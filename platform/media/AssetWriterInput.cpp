@@ -1,6 +1,7 @@
 #include "platform/media/AssetWriterInput.h"
 
 #include "platform/media/internal/AudioEncoder.h"
+#include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
 namespace platform {
@@ -30,6 +31,8 @@ AssetWriterInput::AssetWriterInput(MediaType mediaType, SettingsDictionary outpu
     if (sourceFormatHint && sourceFormatHint->streamBasicDescription)
         m_state->sourceBitDepth =
             static_cast<int>(sourceFormatHint->streamBasicDescription->bitsPerChannel);
+    if (sourceFormatHint && sourceFormatHint->mediaType == MediaType::video)
+        m_state->sourceExtensions = sourceFormatHint->extensions;
 }
 
 MediaType AssetWriterInput::mediaType() const
@@ -84,18 +87,26 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
     if (writer->status() != internal::WriterState::writing || writer->finishing ||
         m_state->finished)
         return false;
-    auto* encoder = dynamic_cast<internal::AudioEncoder*>(m_state->encoder.get());
-    if (!encoder)
-        return false;
     const MediaTime offset = sessionOffset(buffer->presentationTime(), writer->sessionStart);
     try {
-        encoder->encode(*buffer, offset, *writer);
+        if (m_state->mediaType == MediaType::video) {
+            auto* encoder = dynamic_cast<internal::VideoEncoder*>(m_state->encoder.get());
+            if (!encoder || !buffer->imageBuffer())
+                return false;
+            encoder->encode(*buffer->imageBuffer(), offset, *writer);
+        } else {
+            auto* encoder = dynamic_cast<internal::AudioEncoder*>(m_state->encoder.get());
+            if (!encoder || buffer->imageBuffer())
+                return false;
+            encoder->encode(*buffer, offset, *writer);
+        }
     } catch (const MediaError& error) {
         writer->fail(error);
         return false;
     }
     ++m_state->appendCount;
-    m_state->appendedSeconds = offset.seconds() + buffer->duration().seconds();
+    const MediaTime duration = buffer->duration();
+    m_state->appendedSeconds = offset.seconds() + (duration.isValid ? duration.seconds() : 0.0);
     writer->wakeInputs(m_state.get());
     return true;
 }

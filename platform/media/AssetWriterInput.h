@@ -25,7 +25,12 @@ class AssetWriterInput
 {
 public:
     // `sourceFormatHint` tells a lossless encoder the depth worth keeping (ALAC at 16 or 24
-    // bits), where the settings do not say.
+    // bits), where the settings do not say; for video, the source track's format description
+    // puts its colour tags into the encoded stream (without it they still reach the
+    // container's description from the first picture). Video settings: AVVideoCodecKey
+    // (VideoCodecName), AVVideoWidthKey and AVVideoHeightKey (the picture is scaled to them),
+    // AVVideoCompressionPropertiesKey (the bit rate for H.264 and HEVC, AVVideoQualityKey for
+    // ProRes).
     AssetWriterInput(MediaType mediaType, SettingsDictionary outputSettings,
                      std::optional<FormatDescription> sourceFormatHint = std::nullopt);
 
@@ -46,9 +51,10 @@ public:
     // input of the writer moves. The queue must outlive the writing.
     void requestMediaDataWhenReady(SerialQueue& queue, std::function<void()> block) const;
 
-    // Encodes the buffer and hands its packets to the file. False when the writer is not
-    // writing, the input is finished, the buffer is invalid, or encoding failed (the writer
-    // then fails with the error).
+    // Encodes the buffer and hands its packets to the file: audio data to an audio input, a
+    // picture (its image buffer, at its presentation time) to a video input. False when the
+    // writer is not writing, the input is finished, the buffer is invalid or of the other
+    // media type, or encoding failed (the writer then fails with the error).
     bool append(const std::shared_ptr<SampleBuffer>& buffer) const;
 
     // No more data: drains the encoder. Further appends fail.

@@ -46,8 +46,21 @@ std::shared_ptr<SampleBuffer> SampleBuffer::fromSamples(MediaTime presentationTi
     return buffer;
 }
 
+std::shared_ptr<SampleBuffer> SampleBuffer::makeVideo(MediaTime presentationTime,
+                                                      MediaTime duration,
+                                                      std::shared_ptr<PixelBuffer> imageBuffer)
+{
+    auto buffer = std::make_shared<SampleBuffer>(SampleFormat::float32, 0, 0, 0);
+    buffer->m_presentationTime = presentationTime;
+    buffer->m_videoDuration = duration;
+    buffer->m_imageBuffer = std::move(imageBuffer);
+    return buffer;
+}
+
 MediaTime SampleBuffer::duration() const
 {
+    if (m_imageBuffer)
+        return m_videoDuration;
     if (m_sampleRate <= 0)
         return MediaTime::invalid();
     return MediaTime::make(m_frameCount, m_sampleRate);

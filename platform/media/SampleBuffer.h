@@ -1,9 +1,12 @@
-// A block of decoded audio: interleaved samples in one contiguous block, with the time of its
-// first frame. Passed around as std::shared_ptr (the pointer is its identity). One thread at a
+// A block of decoded audio (interleaved samples in one contiguous block, with the time of its
+// first frame) or one decoded video frame (an image buffer with its presentation time and
+// duration). Passed around as std::shared_ptr (the pointer is its identity). One thread at a
 // time may use a buffer; handing it to another thread through a queue is fine.
 #pragma once
 
 #include "platform/media/MediaTime.h"
+#include "platform/media/MediaType.h"
+#include "platform/media/PixelBuffer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -36,9 +39,18 @@ public:
                                                      int channelCount,
                                                      std::span<const float> interleaved);
 
+    // A video sample: `imageBuffer` shown from `presentationTime` for `duration` (invalid
+    // when unknown). No audio data block.
+    static std::shared_ptr<SampleBuffer> makeVideo(MediaTime presentationTime, MediaTime duration,
+                                                   std::shared_ptr<PixelBuffer> imageBuffer);
+
+    MediaType mediaType() const { return m_imageBuffer ? MediaType::video : MediaType::audio; }
+    // The picture of a video sample; null for audio.
+    const std::shared_ptr<PixelBuffer>& imageBuffer() const { return m_imageBuffer; }
+
     MediaTime presentationTime() const { return m_presentationTime; }
     void setPresentationTime(MediaTime time) { m_presentationTime = time; }
-    // frameCount / sampleRate, in the sample rate's timescale.
+    // Audio: frameCount / sampleRate, in the sample rate's timescale. Video: the frame's own.
     MediaTime duration() const;
 
     SampleFormat sampleFormat() const { return m_format; }
@@ -85,6 +97,8 @@ private:
     int m_frameCount = 0;
     bool m_valid = true;
     MediaTime m_presentationTime = MediaTime::zero();
+    MediaTime m_videoDuration = MediaTime::invalid();
+    std::shared_ptr<PixelBuffer> m_imageBuffer;
     std::unique_ptr<std::byte[]> m_storage;
 };
 

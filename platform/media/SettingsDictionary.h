@@ -33,6 +33,23 @@ inline constexpr std::uint32_t mpeg4AACHighEfficiency = fourCharCode("aach");   
 inline constexpr std::uint32_t mpeg4AACHighEfficiencyV2 = fourCharCode("aacp"); // 0x61616370
 } // namespace AudioFormatId
 
+// Values of SettingsKey::videoCodec: the codec's four characters as text.
+namespace VideoCodecName {
+inline const QString h264 = QStringLiteral("avc1");
+inline const QString hevc = QStringLiteral("hvc1");
+inline const QString appleProRes422 = QStringLiteral("apcn");
+inline const QString appleProRes4444 = QStringLiteral("ap4h");
+} // namespace VideoCodecName
+
+// Values of SettingsKey::videoProfileLevel and SettingsKey::videoH264EntropyMode.
+namespace VideoProfileLevel {
+inline const QString h264HighAutoLevel = QStringLiteral("H264_High_AutoLevel");
+}
+namespace VideoH264EntropyMode {
+inline const QString cabac = QStringLiteral("CABAC");
+inline const QString cavlc = QStringLiteral("CAVLC");
+} // namespace VideoH264EntropyMode
+
 // Values of SettingsKey::pixelFormatType.
 namespace PixelFormatType {
 inline constexpr std::uint32_t bgra32 = fourCharCode("BGRA");      // 0x42475241
@@ -56,7 +73,7 @@ inline const QString channelLayout = QStringLiteral("AVChannelLayoutKey");
 // The depth a lossless encoder keeps (16 or 24); without it the source format hint decides.
 inline const QString encoderBitDepthHint = QStringLiteral("AVEncoderBitDepthHintKey"); // int
 // Video.
-inline const QString videoCodec = QStringLiteral("AVVideoCodecKey");   // QString codec name
+inline const QString videoCodec = QStringLiteral("AVVideoCodecKey");   // QString, VideoCodecName
 inline const QString videoWidth = QStringLiteral("AVVideoWidthKey");   // int
 inline const QString videoHeight = QStringLiteral("AVVideoHeightKey"); // int
 inline const QString videoCompressionProperties =

@@ -1,5 +1,6 @@
 #include "platform/media/internal/EncoderChoice.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace platform::internal {
@@ -76,6 +77,53 @@ std::optional<AudioEncoding> audioEncodingFor(const SettingsDictionary& settings
         encoding.bitDepth = static_cast<int>(hint);
     }
     return encoding;
+}
+
+std::optional<VideoEncoding> videoEncodingFor(const SettingsDictionary& settings)
+{
+    const QString codecName = settings.value(SettingsKey::videoCodec).toString();
+    const std::optional<std::int64_t> width = settings.integer(SettingsKey::videoWidth);
+    const std::optional<std::int64_t> height = settings.integer(SettingsKey::videoHeight);
+    if (!width || !height || *width < 2 || *height < 2 || *width > 8192 || *height > 8192)
+        return std::nullopt;
+    VideoEncoding encoding;
+    encoding.width = static_cast<int>(*width);
+    encoding.height = static_cast<int>(*height);
+    if (codecName == VideoCodecName::h264)
+        encoding.codec = EncodedCodec::h264;
+    else if (codecName == VideoCodecName::hevc)
+        encoding.codec = EncodedCodec::hevc;
+    else if (codecName == VideoCodecName::appleProRes422)
+        encoding.codec = EncodedCodec::proRes422;
+    else if (codecName == VideoCodecName::appleProRes4444)
+        encoding.codec = EncodedCodec::proRes4444;
+    else
+        return std::nullopt;
+    const SettingsDictionary properties =
+        settings.dictionary(SettingsKey::videoCompressionProperties).value_or(SettingsDictionary());
+    if (encoding.codec == EncodedCodec::h264 || encoding.codec == EncodedCodec::hevc) {
+        const std::int64_t bitRate =
+            properties.integer(SettingsKey::videoAverageBitRate).value_or(0);
+        if (bitRate <= 0 || bitRate > 2'000'000'000)
+            return std::nullopt;
+        encoding.bitRate = bitRate;
+        encoding.cabac = properties.value(SettingsKey::videoH264EntropyMode).toString() !=
+                         VideoH264EntropyMode::cavlc;
+    } else if (properties.contains(SettingsKey::videoQuality)) {
+        const std::optional<double> quality = properties.number(SettingsKey::videoQuality);
+        if (!quality || !(*quality >= 0.0 && *quality <= 1.0))
+            return std::nullopt;
+        encoding.quality = quality;
+    }
+    return encoding;
+}
+
+int proResQuantiser(double quality)
+{
+    constexpr int best = 2;
+    constexpr int smallest = 31;
+    const double clamped = std::clamp(quality, 0.0, 1.0);
+    return static_cast<int>(std::lround(smallest - clamped * (smallest - best)));
 }
 
 bool containerCarries(FileType type, EncodedCodec codec)

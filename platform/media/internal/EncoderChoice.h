@@ -6,6 +6,7 @@
 #include "platform/media/FileType.h"
 #include "platform/media/SettingsDictionary.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace platform::internal {
@@ -36,6 +37,26 @@ struct AudioEncoding
     std::optional<bool> bigEndian;
     bool isFloat = false;
 };
+
+struct VideoEncoding
+{
+    EncodedCodec codec = EncodedCodec::h264;
+    int width = 0;
+    int height = 0;
+    // H.264 and HEVC: bits per second.
+    std::int64_t bitRate = 0;
+    // ProRes: 1.0 best … 0.0 smallest; absent leaves the profile's own data rate.
+    std::optional<double> quality;
+    // H.264: CABAC unless the settings ask for CAVLC.
+    bool cabac = true;
+};
+
+// The video encoding the settings ask for (codec, width, height; the bit rate for H.264 and
+// HEVC); nullopt when they are incomplete or malformed.
+std::optional<VideoEncoding> videoEncodingFor(const SettingsDictionary& settings);
+
+// The ProRes quantiser for a quality of 1.0 (best, 2) … 0.0 (smallest, 31).
+int proResQuantiser(double quality);
 
 // The audio encoding the settings ask for; nullopt when they are incomplete or malformed.
 std::optional<AudioEncoding> audioEncodingFor(const SettingsDictionary& settings);

@@ -2,9 +2,11 @@
 // runs once per asset, on whatever thread first needs it. Media layer internals only.
 #pragma once
 
+#include "platform/media/AffineTransform.h"
 #include "platform/media/FormatDescription.h"
 #include "platform/media/MediaTime.h"
 #include "platform/media/MediaType.h"
+#include "platform/media/Size.h"
 
 #include <QString>
 
@@ -20,6 +22,11 @@ struct TrackInfo
     MediaType mediaType = MediaType::audio;
     bool isEnabled = true;
     std::vector<FormatDescription> formatDescriptions;
+    // Video only.
+    Size naturalSize;
+    AffineTransform preferredTransform;
+    float nominalFrameRate = 0.0F;
+    float estimatedDataRate = 0.0F;
 };
 
 struct ProbeInfo

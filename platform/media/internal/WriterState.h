@@ -39,6 +39,8 @@ public:
     const MediaType mediaType;
     const SettingsDictionary settings;
     int sourceBitDepth = 0;
+    // Video: the source's format-description extensions (its colour tags), may be empty.
+    SettingsDictionary sourceExtensions;
     bool expectsMediaDataInRealTime = false;
 
     // Everything below is guarded by the writer's lock once the input is added.
