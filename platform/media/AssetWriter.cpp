@@ -7,7 +7,9 @@
 #include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
+#include <QDateTime>
 #include <QFileInfo>
+#include <QHash>
 #include <QLoggingCategory>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -72,6 +74,31 @@ std::unique_ptr<internal::InputEncoder> encoderFor(const internal::InputState& i
     return audioEncoderFor(input, type);
 }
 
+// Where a common tag goes among QuickTime metadata keys, which players read there.
+QString quickTimeKeyFor(const QString& identifier)
+{
+    static const QHash<QString, QString> keys{
+        {QStringLiteral("title"), QStringLiteral("com.apple.quicktime.title")},
+        {QStringLiteral("artist"), QStringLiteral("com.apple.quicktime.artist")},
+        {QStringLiteral("album"), QStringLiteral("com.apple.quicktime.album")},
+        {QStringLiteral("genre"), QStringLiteral("com.apple.quicktime.genre")},
+        {QStringLiteral("date"), QStringLiteral("com.apple.quicktime.creationdate")},
+        {QStringLiteral("composer"), QStringLiteral("com.apple.quicktime.author")},
+        {QStringLiteral("comment"), QStringLiteral("com.apple.quicktime.comment")},
+        {QStringLiteral("description"), QStringLiteral("com.apple.quicktime.description")},
+    };
+    return keys.value(identifier, identifier);
+}
+
+QByteArray textOf(const QVariant& value)
+{
+    if (value.metaType().id() == QMetaType::QDateTime)
+        return value.toDateTime().toString(Qt::ISODate).toUtf8();
+    if (value.metaType().id() == QMetaType::QDate)
+        return value.toDate().toString(Qt::ISODate).toUtf8();
+    return value.toString().toUtf8();
+}
+
 } // namespace
 
 AssetWriter::AssetWriter(QString outputPath, FileType fileType)
@@ -130,11 +157,29 @@ std::vector<AssetWriterInput> AssetWriter::inputs() const
     return m_inputs;
 }
 
+void AssetWriter::setMetadata(std::vector<MetadataItem> items)
+{
+    m_metadata = std::move(items);
+}
+
 bool AssetWriter::startWriting()
 {
     const std::lock_guard lock(m_state->mutex);
     if (m_state->status() != internal::WriterState::unknown)
         return false;
+    // Keys with a dot cannot live in QuickTime user data; once one is there, every tag is
+    // written as a metadata key, the common ones under the names players read.
+    bool keyed = false;
+    for (const MetadataItem& item : m_metadata)
+        keyed = keyed || item.identifier.contains(QLatin1Char('.'));
+    m_state->keyedTags = keyed;
+    m_state->tags.clear();
+    for (const MetadataItem& item : m_metadata) {
+        if (item.identifier.isEmpty() || !item.value.isValid())
+            continue;
+        const QString key = keyed ? quickTimeKeyFor(item.identifier) : item.identifier;
+        m_state->tags.emplace_back(key.toUtf8(), textOf(item.value));
+    }
     try {
         m_state->start();
     } catch (const MediaError& error) {

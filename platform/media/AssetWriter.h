@@ -7,6 +7,7 @@
 #include "platform/media/FileType.h"
 #include "platform/media/MediaError.h"
 #include "platform/media/MediaTime.h"
+#include "platform/media/MetadataItem.h"
 
 #include <QString>
 #include <QStringList>
@@ -52,6 +53,15 @@ public:
     void add(const AssetWriterInput& input);
     std::vector<AssetWriterInput> inputs() const;
 
+    // The file's tags, set before startWriting (MOV and MP4 only; other types ignore them).
+    // Common identifiers (title, artist, album, genre, date, composer, comment) go where
+    // players look; "org.ondrilet." + key and other dotted identifiers (QuickTime keys such as
+    // com.apple.quicktime.make) are written as QuickTime metadata keys under their own name,
+    // which Asset::metadata reads back the same; "location" reads back as "location". Values
+    // are written as text (a QDateTime in ISO 8601).
+    void setMetadata(std::vector<MetadataItem> items);
+    const std::vector<MetadataItem>& metadata() const { return m_metadata; }
+
     // Opens the encoders, creates the file and writes its header. False, with status failed
     // and error() set, when any of that fails (encoderNotFound for a codec this build cannot
     // encode); no file is left behind then.
@@ -76,6 +86,7 @@ public:
 private:
     std::shared_ptr<internal::WriterState> m_state;
     std::vector<AssetWriterInput> m_inputs;
+    std::vector<MetadataItem> m_metadata;
 };
 
 } // namespace platform

@@ -93,7 +93,7 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
             auto* encoder = dynamic_cast<internal::VideoEncoder*>(m_state->encoder.get());
             if (!encoder || !buffer->imageBuffer())
                 return false;
-            encoder->encode(*buffer->imageBuffer(), offset, *writer);
+            encoder->encode(*buffer->imageBuffer(), offset, buffer->duration(), *writer);
         } else {
             auto* encoder = dynamic_cast<internal::AudioEncoder*>(m_state->encoder.get());
             if (!encoder || buffer->imageBuffer())

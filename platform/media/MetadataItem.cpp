@@ -19,6 +19,16 @@ QString MetadataItem::commonKeyFor(const QString& identifier)
         {QStringLiteral("publisher"), QStringLiteral("publisher")},
         {QStringLiteral("encoder"), QStringLiteral("software")},
         {QStringLiteral("language"), QStringLiteral("language")},
+        // The same tags as QuickTime metadata keys.
+        {QStringLiteral("com.apple.quicktime.title"), QStringLiteral("title")},
+        {QStringLiteral("com.apple.quicktime.artist"), QStringLiteral("artist")},
+        {QStringLiteral("com.apple.quicktime.album"), QStringLiteral("albumName")},
+        {QStringLiteral("com.apple.quicktime.genre"), QStringLiteral("subject")},
+        {QStringLiteral("com.apple.quicktime.creationdate"), QStringLiteral("creationDate")},
+        {QStringLiteral("com.apple.quicktime.author"), QStringLiteral("creator")},
+        {QStringLiteral("com.apple.quicktime.comment"), QStringLiteral("description")},
+        {QStringLiteral("com.apple.quicktime.description"), QStringLiteral("description")},
+        {QStringLiteral("com.apple.quicktime.software"), QStringLiteral("software")},
     };
     return commonKeys.value(identifier.toLower());
 }

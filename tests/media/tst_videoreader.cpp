@@ -335,7 +335,28 @@ private slots:
         }
         QVERIFY2(error.has_value(), qPrintable(kind));
         QVERIFY(!error->localizedDescription().isEmpty());
+        if (kind == "huge")
+            QVERIFY2(error->localizedDescription().contains("too large"),
+                     qPrintable(error->localizedDescription()));
         QCOMPARE(Fixtures::sha256(path), before);
+    }
+
+    void unknownRateReadsAsZero()
+    {
+        // A single picture in NUT states no rate at all.
+        const QString path = QDir(m_dir.path()).filePath("still.nut");
+        QVERIFY(
+            Fixtures::runFfmpeg({"-f", "lavfi", "-i", "testsrc=size=320x240:rate=25", "-frames:v",
+                                 "1", "-c:v", "libx264", "-preset", "ultrafast", path}));
+        const Asset asset(path);
+        const AssetTrack track = asset.tracks(MediaType::video).at(0);
+        QCOMPARE(track.nominalFrameRate(), 0.0F);
+        AssetReader reader(asset);
+        auto output = std::make_shared<AssetReaderTrackOutput>(track, videotest::bgraSettings());
+        reader.add(output);
+        QVERIFY(reader.startReading());
+        QCOMPARE(readAll(*output).size(), std::size_t(1));
+        QCOMPARE(reader.status(), AssetReader::Status::completed);
     }
 
     void audioOnlyFileHasNoVideoTrack()

@@ -3,6 +3,7 @@
 #include "platform/media/FormatDescription.h"
 #include "platform/media/MediaError.h"
 #include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/InputFile.h"
 #include "platform/media/internal/PixelBufferState.h"
 
 #include <QThread>
@@ -129,6 +130,7 @@ bool VideoEncoder::hasEncoder() const
 
 void VideoEncoder::open(AVFormatContext* muxer)
 {
+    quietFfmpegLogging(); // the encoders talk at their opening
     const AVCodec* codec = m_encoderName ? avcodec_find_encoder_by_name(m_encoderName) : nullptr;
     if (!codec)
         throw noEncoder(m_encoderName ? m_encoderName : "this codec");
@@ -224,7 +226,8 @@ void VideoEncoder::convert(const AVFrame& source)
         throw mediaErrorFromFfmpeg(scaled, QStringLiteral("Cannot convert the picture"));
 }
 
-void VideoEncoder::encode(const PixelBuffer& picture, MediaTime sessionOffset, PacketWriter& writer)
+void VideoEncoder::encode(const PixelBuffer& picture, MediaTime sessionOffset, MediaTime duration,
+                          PacketWriter& writer)
 {
     if (m_finished || !m_context)
         return;
@@ -266,8 +269,17 @@ void VideoEncoder::encode(const PixelBuffer& picture, MediaTime sessionOffset, P
     // Encoders need rising times; a picture at the time of the one before it moves on a tick.
     if (pts <= m_lastPts)
         pts = m_lastPts + 1;
+    if (m_lastPts != INT64_MIN) {
+        m_lastGap = pts - m_lastPts;
+        if (auto previous = m_durations.find(m_lastPts);
+            previous != m_durations.end() && previous->second == 0)
+            previous->second = m_lastGap;
+    }
     m_lastPts = pts;
     frame->pts = pts;
+    m_durations[pts] = duration.isValid && duration.value > 0
+                           ? av_rescale(duration.value, timescale, duration.timescale)
+                           : 0;
     sendFrame(frame, writer);
     if (frame == m_frame.get() && source.buf[0] && m_frame->buf[0] &&
         m_frame->buf[0]->buffer == source.buf[0]->buffer)
@@ -279,6 +291,8 @@ void VideoEncoder::finish(PacketWriter& writer)
     if (m_finished || !m_context)
         return;
     m_finished = true;
+    if (auto last = m_durations.find(m_lastPts); last != m_durations.end() && last->second == 0)
+        last->second = m_lastGap;
     sendFrame(nullptr, writer);
 }
 
@@ -298,6 +312,11 @@ void VideoEncoder::receivePackets(PacketWriter& writer)
             return;
         if (result < 0)
             throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot encode video"));
+        if (auto shown = m_durations.find(m_packet->pts); shown != m_durations.end()) {
+            if (m_packet->duration <= 0 && shown->second > 0)
+                m_packet->duration = shown->second;
+            m_durations.erase(shown);
+        }
         writer.writePacket(m_packet.get(), m_stream, m_context->time_base);
         av_packet_unref(m_packet.get());
     }

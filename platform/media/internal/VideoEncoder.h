@@ -13,6 +13,7 @@
 #include "platform/media/internal/InputEncoder.h"
 
 #include <cstdint>
+#include <map>
 
 namespace platform::internal {
 
@@ -28,8 +29,10 @@ public:
     ~VideoEncoder() override;
 
     void open(AVFormatContext* muxer) override;
-    // Encodes `picture` shown from `sessionOffset` after the session start. Throws MediaError.
-    void encode(const PixelBuffer& picture, MediaTime sessionOffset, PacketWriter& writer);
+    // Encodes `picture` shown from `sessionOffset` after the session start for `duration`
+    // (invalid: until the next picture). Throws MediaError.
+    void encode(const PixelBuffer& picture, MediaTime sessionOffset, MediaTime duration,
+                PacketWriter& writer);
     void finish(PacketWriter& writer) override;
 
     const char* encoderName() const { return m_encoderName; }
@@ -56,6 +59,10 @@ private:
     bool m_colourSeen = false;
     bool m_finished = false;
     std::int64_t m_lastPts = INT64_MIN;
+    std::int64_t m_lastGap = 0;
+    // How long each picture still inside the encoder is shown, by its time (0: until the next),
+    // so that every packet, the last one included, carries its duration.
+    std::map<std::int64_t, std::int64_t> m_durations;
 };
 
 } // namespace platform::internal

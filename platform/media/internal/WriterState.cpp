@@ -138,6 +138,12 @@ void WriterState::start()
     // WAV past 4 GiB becomes RF64; smaller files stay plain WAV.
     if (fileType == FileType::wave)
         av_dict_set(&options, "rf64", "auto", 0);
+    if (fileType == FileType::quickTimeMovie || fileType == FileType::mpeg4) {
+        for (const auto& [key, value] : tags)
+            av_dict_set(&m_muxer->metadata, key.constData(), value.constData(), 0);
+        if (keyedTags)
+            av_dict_set(&options, "movflags", "+use_metadata_tags", 0);
+    }
     result = avformat_write_header(m_muxer, &options);
     av_dict_free(&options);
     if (result < 0) {

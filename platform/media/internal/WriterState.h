@@ -111,6 +111,10 @@ public:
     mutable std::recursive_mutex mutex;
     std::vector<std::shared_ptr<InputState>> inputs;
     MediaTime sessionStart = MediaTime::invalid();
+    // Tags for the container, as FFmpeg keys and texts; `keyedTags` writes them as QuickTime
+    // metadata keys.
+    std::vector<std::pair<QByteArray, QByteArray>> tags;
+    bool keyedTags = false;
     bool finishing = false;
 
 private:
