@@ -1,8 +1,10 @@
 // OndriletApp: starts the application, or hands its files to the Ondrilet already running, and
 // shows the main window. GUI thread.
 #include "app/batch/AppMemoryManager.h"
+#include "app/desktop/ApplicationVersion.h"
 #include "app/desktop/InstanceChannel.h"
 #include "app/desktop/ProgramExit.h"
+#include "app/desktop/WindowCommandLine.h"
 #include "app/presets/PresetStore.h"
 #include "app/views/AppearancePalette.h"
 #include "app/views/MainWindow.h"
@@ -16,6 +18,7 @@
 #include <QSaveFile>
 
 #include <csignal>
+#include <cstdio>
 
 namespace {
 
@@ -43,10 +46,19 @@ void dumpFileListOnChange(Ondrilet::ContentViewModel& model)
 
 int main(int argc, char* argv[])
 {
+    // Answered before the application exists, so that they need no display.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (const auto text = Ondrilet::WindowCommandLine::answer(arguments)) {
+        std::fputs(text->toLocal8Bit().constData(), stdout);
+        return 0;
+    }
+
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Ondrilet"));
     QApplication::setOrganizationName(QStringLiteral("Ondrilet"));
-    QApplication::setApplicationVersion(QStringLiteral(ONDRILET_VERSION));
+    QApplication::setApplicationVersion(Ondrilet::ApplicationVersion::text());
     QGuiApplication::setDesktopFileName(QStringLiteral("org.ondrilet.Ondrilet"));
 
     const QStringList files = Ondrilet::InstanceChannel::fileLocations(

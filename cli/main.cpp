@@ -1,6 +1,7 @@
 // ondrilet-cli: converts files from a terminal with the same models as the window, lists the
 // presets, measures a file's loudness and peak, or inspects files. Main thread.
 #include "app/batch/AppMemoryManager.h"
+#include "app/desktop/ApplicationVersion.h"
 #include "app/desktop/ProgramExit.h"
 #include "app/presets/PresetStore.h"
 #include "app/window/ContentViewModel.h"
@@ -80,7 +81,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("ondrilet-cli"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ONDRILET_VERSION));
+    QCoreApplication::setApplicationVersion(ApplicationVersion::text());
 
     TerminalOutput terminal;
     terminal.takeOverQtMessages();
@@ -101,7 +102,8 @@ int main(int argc, char* argv[])
         TerminalOutput::writeOutput(HelpText::help());
         return 0;
     case CliRequest::Action::version:
-        TerminalOutput::writeOutput(QStringLiteral("ondrilet-cli " ONDRILET_VERSION "\n"));
+        TerminalOutput::writeOutput(QStringLiteral("ondrilet-cli ") + ApplicationVersion::text() +
+                                    QLatin1Char('\n'));
         return 0;
     case CliRequest::Action::listPresets:
         TerminalOutput::writeOutput(PresetListing::text(PresetStore().allPresets()));

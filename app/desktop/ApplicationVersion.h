@@ -1,0 +1,16 @@
+// The program's version, set once in the top-level CMakeLists.txt (project VERSION): what
+// `--version` of both programs prints and what the About window shows. Any thread.
+#pragma once
+
+#include <QString>
+
+namespace Ondrilet {
+
+class ApplicationVersion
+{
+public:
+    // "0.1.0"
+    static QString text();
+};
+
+} // namespace Ondrilet
