@@ -81,6 +81,14 @@ QList<CliOption> makeTable()
              state.measure = true;
              state.request.measureFile = state.absolutePath(value);
          }},
+        {"--inspect", "", "",
+         "Inspect each FILE as the engine's media inspection does: its type, duration and "
+         "tracks, for each video track whether it is interlaced, which field comes first, "
+         "which step decided it and the deinterlacing the engine would choose; print it as "
+         "JSON (an array for several files; keys in docs/inspect-json.md) and exit. Converts "
+         "nothing.",
+         Group::action,
+         [](State& state, const CliOption&, const QString&) { state.inspect = true; }},
         {"--help", "", "", "Show this text and exit (also -h).", Group::action,
          [](State& state, const CliOption&, const QString&) { state.help = true; }},
         {"--version", "", "", "Print the version and exit.", Group::action,

@@ -58,6 +58,15 @@ CliRequest CliOptionParser::finish(const CliParseState& state)
     }
     const bool anythingElse = !request.files.isEmpty() || request.presetName ||
                               !request.settings.empty() || request.confirmOverwrite;
+    if (state.inspect) {
+        if (request.presetName || !request.settings.empty() || request.confirmOverwrite ||
+            state.listPresets || state.measure)
+            throw UsageError(QStringLiteral("--inspect takes files and no other options"));
+        if (request.files.isEmpty())
+            throw UsageError(QStringLiteral("--inspect needs at least one file"));
+        request.action = CliRequest::Action::inspect;
+        return request;
+    }
     if (state.listPresets) {
         if (anythingElse || state.measure)
             throw UsageError(QStringLiteral("--list-presets takes no files and no other options"));

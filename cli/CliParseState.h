@@ -17,6 +17,7 @@ struct CliParseState
     bool version = false;
     bool listPresets = false;
     bool measure = false;
+    bool inspect = false;
 
     QString absolutePath(const QString& path) const;
     // Appends a setting, remembering the option as typed for messages.

@@ -21,10 +21,11 @@ struct CliRequest
         version,
         listPresets,
         measure,
+        inspect,
     };
 
     Action action = Action::convert;
-    // Absolute, clean paths in the order given.
+    // Absolute, clean paths in the order given: the files to convert, or to inspect.
     QStringList files;
     // Applied before every setting, whatever its place on the line.
     std::optional<QString> presetName;

@@ -61,6 +61,7 @@ QString HelpText::usage()
     return QStringLiteral("Usage: ondrilet-cli [options] FILE...\n"
                           "       ondrilet-cli --list-presets\n"
                           "       ondrilet-cli --measure FILE\n"
+                          "       ondrilet-cli --inspect FILE...\n"
                           "Try 'ondrilet-cli --help' for the options.\n");
 }
 
@@ -68,7 +69,8 @@ QString HelpText::help()
 {
     QString text = QStringLiteral("Usage: ondrilet-cli [options] FILE...\n"
                                   "       ondrilet-cli --list-presets\n"
-                                  "       ondrilet-cli --measure FILE\n\n");
+                                  "       ondrilet-cli --measure FILE\n"
+                                  "       ondrilet-cli --inspect FILE...\n\n");
     text += paragraph(QStringLiteral(
         "Converts audio and video files one after the other, with the settings and the rules of "
         "the Ondrilet window. Settings start where the window starts: with the first preset "
@@ -102,13 +104,25 @@ QString HelpText::help()
         "with the percentage done and the time remaining is drawn there. --measure prints one "
         "JSON object with integratedLUFS, ungatedLUFS, effectiveGateLUFS and truePeakDBTP from "
         "the loudness analysis and peakDB and peakLinear from the peak pass."));
-    text +=
-        QStringLiteral("Exit status:\n"
-                       "    0  every file converted (or the listing or the measurement done)\n");
+    text += paragraph(QStringLiteral(
+        "--inspect prints one JSON object per file (an array of them when several files are "
+        "given): path, id, url, name, fileExtension, fileSize, mediaType, duration, "
+        "videoStreams, audioStreams, resolution, frameRate and bitrate. Each video stream has "
+        "id, index, codec, resolution, frameRate, bitrate, isInterlaced, fieldDominance, "
+        "aspectRatio, interlacingDecidedBy, fieldDominanceDecidedBy and automaticDeinterlacing "
+        "(shouldDeinterlace, method, fieldDominance, adaptiveMode); each audio stream has id, "
+        "index, codec, sampleRate, channels, bitDepth and bitrate. A value the file does not "
+        "give is null. While it inspects, the console lines go to standard error, so that "
+        "standard output holds the JSON alone; a file that cannot be inspected is left out, "
+        "with its path and the reason on standard error, and the status is 1. The keys and "
+        "their values are listed in docs/inspect-json.md."));
+    text += QStringLiteral(
+        "Exit status:\n"
+        "    0  every file converted (or the listing, the measurement or the inspection done)\n");
     text += QStringLiteral("    1  ") +
-            wrapped(QStringLiteral("a conversion failed, a file was refused, or the overwrite of "
-                                   "original files was not confirmed; the message is on standard "
-                                   "error"),
+            wrapped(QStringLiteral("a conversion failed, a file was refused, the overwrite of "
+                                   "original files was not confirmed, or a file could not be "
+                                   "inspected; the message is on standard error"),
                     7, 7) +
             QLatin1Char('\n');
     text += QStringLiteral("    2  a usage error\n");

@@ -118,7 +118,9 @@ QString ManPage::cliPage()
             QStringLiteral("[\\fIoptions\\fR] \\fIFILE\\fR...\n.br\n");
     text += bold(QStringLiteral("ondrilet-cli --list-presets")) + QStringLiteral("\n.br\n");
     text += bold(QStringLiteral("ondrilet-cli --measure")) + QLatin1Char(' ') +
-            italic(QStringLiteral("FILE")) + QLatin1Char('\n');
+            italic(QStringLiteral("FILE")) + QStringLiteral("\n.br\n");
+    text += bold(QStringLiteral("ondrilet-cli --inspect")) + QLatin1Char(' ') +
+            italic(QStringLiteral("FILE")) + QStringLiteral("...\n");
     text += section("DESCRIPTION");
     text += paragraph(QStringLiteral(
         "ondrilet-cli converts audio and video files one after the other, with the settings and "
@@ -135,15 +137,20 @@ QString ManPage::cliPage()
     text += paragraph(QStringLiteral(
         "Console lines go to standard output. While standard error is a terminal, a progress bar "
         "with the percentage done and the time remaining is drawn there."));
+    text += paragraph(QStringLiteral(
+        "--inspect prints one JSON object per file, or an array of them for several files, and "
+        "sends the console lines to standard error meanwhile; a file that cannot be inspected is "
+        "left out, with its path and the reason on standard error. The keys are listed in "
+        "docs/inspect-json.md of the source tree and in ondrilet-cli --help."));
     text += optionsSection();
     text += section("EXIT STATUS");
-    text +=
-        tagged(bold(QStringLiteral("0")),
-               QStringLiteral("Every file converted (or the listing or the measurement done)."));
+    text += tagged(bold(QStringLiteral("0")),
+                   QStringLiteral("Every file converted (or the listing, the measurement or the "
+                                  "inspection done)."));
     text += tagged(bold(QStringLiteral("1")),
-                   QStringLiteral("A conversion failed, a file was refused, or the overwrite of "
-                                  "original files was not confirmed; the message is on standard "
-                                  "error."));
+                   QStringLiteral("A conversion failed, a file was refused, the overwrite of "
+                                  "original files was not confirmed, or a file could not be "
+                                  "inspected; the message is on standard error."));
     text += tagged(bold(QStringLiteral("2")), QStringLiteral("A usage error."));
     text += tagged(bold(QStringLiteral("130")), QStringLiteral("Stopped by Ctrl-C (SIGINT)."));
     text += tagged(bold(QStringLiteral("143")),
@@ -171,6 +178,9 @@ QString ManPage::cliPage()
                 QStringLiteral("Bring a file to -23 LUFS, writing beside its source:"));
     text += example(QStringLiteral("ondrilet-cli --measure mix.wav"),
                     QStringLiteral("Print a file's loudness and peak as JSON:"));
+    text += example(QStringLiteral("ondrilet-cli --inspect *.mov"),
+                    QStringLiteral("Print what each file holds, and whether its video is "
+                                   "interlaced, as JSON:"));
     text += section("SEE ALSO");
     text += bold(QStringLiteral("ondrilet")) + QStringLiteral("(1)\n");
     return text;

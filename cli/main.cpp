@@ -1,5 +1,5 @@
 // ondrilet-cli: converts files from a terminal with the same models as the window, lists the
-// presets, or measures a file's loudness and peak. Main thread.
+// presets, measures a file's loudness and peak, or inspects files. Main thread.
 #include "app/batch/AppMemoryManager.h"
 #include "app/desktop/ApplicationVersion.h"
 #include "app/desktop/ProgramExit.h"
@@ -8,6 +8,7 @@
 #include "cli/CliOptionParser.h"
 #include "cli/ConversionRun.h"
 #include "cli/HelpText.h"
+#include "cli/InspectCommand.h"
 #include "cli/MeasureCommand.h"
 #include "cli/PresetListing.h"
 #include "cli/TerminalOutput.h"
@@ -65,6 +66,15 @@ int measure(const QString& file, TerminalOutput& terminal)
     return QCoreApplication::exec();
 }
 
+int inspect(const QStringList& files, TerminalOutput& terminal)
+{
+    QTimer::singleShot(0, [files, &terminal] {
+        QCoro::connect(InspectCommand::run(files, &terminal), QCoreApplication::instance(),
+                       [](int status) { QCoreApplication::exit(status); });
+    });
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -100,6 +110,8 @@ int main(int argc, char* argv[])
         return 0;
     case CliRequest::Action::measure:
         return measure(request.measureFile, terminal);
+    case CliRequest::Action::inspect:
+        return inspect(request.files, terminal);
     case CliRequest::Action::convert:
         return convert(request, terminal);
     }

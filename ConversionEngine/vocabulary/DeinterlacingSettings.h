@@ -9,12 +9,19 @@
 
 namespace ConversionEngine {
 
+struct VideoStream;
+
 struct DeinterlacingSettings
 {
     bool shouldDeinterlace = false;
     DeinterlacingMethod method = DeinterlacingMethod::yadif;
     std::optional<FieldDominance> fieldDominance;
     bool adaptiveMode = true;
+
+    // What the engine proposes for a stream by itself: nothing for a progressive one; for an
+    // interlaced one a filter by height first (w3fdif from 1080 lines), then by rate (bwdif
+    // above 30 fps), else yadif, with the stream's field order. Defined with the inspection.
+    static DeinterlacingSettings automatic(const VideoStream& stream);
 
     friend bool operator==(const DeinterlacingSettings&, const DeinterlacingSettings&) = default;
 };

@@ -244,6 +244,15 @@ QDateTime FileAttributes::modificationDate(const QString& path)
     return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
 }
 
+qint64 FileAttributes::fileSize(const QString& path)
+{
+    struct stat status
+    {};
+    if (::stat(native(path).constData(), &status) != 0)
+        fail(Operation::read, path);
+    return qint64(status.st_size);
+}
+
 void FileAttributes::syncFile(const QString& path)
 {
     syncPath(path, 0);

@@ -55,6 +55,9 @@ public:
     static void setModificationDate(const QString& path, const QDateTime& date);
     static QDateTime modificationDate(const QString& path);
 
+    // The size in bytes of what the path leads to (a link is followed).
+    static qint64 fileSize(const QString& path);
+
     // Waits until the file's content, or the folder's list of names, is on the disk.
     static void syncFile(const QString& path);
     static void syncDirectory(const QString& path);

@@ -301,6 +301,11 @@ private slots:
         QCOMPARE(measure.action, CliRequest::Action::measure);
         QCOMPARE(measure.measureFile, QStringLiteral("/work/dir/t.wav"));
         QCOMPARE(measure.files, QStringList());
+        const CliRequest inspect = parse(
+            {QStringLiteral("a.mov"), QStringLiteral("--inspect"), QStringLiteral("../b.wav")});
+        QCOMPARE(inspect.action, CliRequest::Action::inspect);
+        QCOMPARE(inspect.files,
+                 (QStringList{QStringLiteral("/work/dir/a.mov"), QStringLiteral("/work/b.wav")}));
     }
 
     void refusals_data()
@@ -375,6 +380,13 @@ private slots:
             "--measure takes one file and no other options");
         row("measure twice", {"--measure", "a.wav", "--measure", "b.wav"},
             "--measure is given more than once");
+        row("inspect without files", {"--inspect"}, "--inspect needs at least one file");
+        row("inspect with a setting", {"--inspect", "a.mov", "--crf", "20"},
+            "--inspect takes files and no other options");
+        row("inspect with a preset", {"--preset", "A", "--inspect", "a.mov"},
+            "--inspect takes files and no other options");
+        row("inspect and measure", {"--inspect", "a.mov", "--measure", "b.wav"},
+            "--inspect takes files and no other options");
     }
 
     void refusals()

@@ -131,6 +131,7 @@ private slots:
         QCOMPARE(HelpText::usage(), QStringLiteral("Usage: ondrilet-cli [options] FILE...\n"
                                                    "       ondrilet-cli --list-presets\n"
                                                    "       ondrilet-cli --measure FILE\n"
+                                                   "       ondrilet-cli --inspect FILE...\n"
                                                    "Try 'ondrilet-cli --help' for the options.\n"));
     }
 

@@ -287,6 +287,23 @@ private slots:
         QCOMPARE(error.code(), 512);
     }
 
+    void fileSizeCountsBytesAndFollowsLinks()
+    {
+        const QString file = path(QStringLiteral("sized.wav"));
+        writeFile(file, QByteArray(1234, 'x'));
+        QCOMPARE(FileAttributes::fileSize(file), qint64(1234));
+        const QString empty = path(QStringLiteral("empty.wav"));
+        writeFile(empty, QByteArray());
+        QCOMPARE(FileAttributes::fileSize(empty), qint64(0));
+        const QString link = path(QStringLiteral("sized-link.wav"));
+        QVERIFY(QFile::link(file, link));
+        QCOMPARE(FileAttributes::fileSize(link), qint64(1234));
+        const FileSystemError error =
+            errorOf([&] { FileAttributes::fileSize(path(QStringLiteral("nosize.wav"))); });
+        QCOMPARE(error.errnoValue(), ENOENT);
+        QCOMPARE(error.code(), 260);
+    }
+
     void syncWorksOnFilesAndFolders()
     {
         const QString file = path(QStringLiteral("synced.mov"));
