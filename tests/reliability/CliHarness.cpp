@@ -94,6 +94,12 @@ QString CliHarness::outputPath(const OutputKind& kind, Destination destination,
 void CliHarness::start(QProcess& process, const QStringList& arguments, const Fault& fault,
                        const QString& mark) const
 {
+    prepare(process, fault, mark);
+    process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
+}
+
+void CliHarness::prepare(QProcess& process, const Fault& fault, const QString& mark) const
+{
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), m_home);
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
@@ -117,7 +123,6 @@ void CliHarness::start(QProcess& process, const QStringList& arguments, const Fa
     }
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_work);
-    process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
 }
 
 CliOutcome CliHarness::run(const QStringList& arguments, const Fault& fault,
@@ -125,6 +130,24 @@ CliOutcome CliHarness::run(const QStringList& arguments, const Fault& fault,
 {
     QProcess process;
     start(process, arguments, fault);
+    return finish(process, timeoutMilliseconds);
+}
+
+CliOutcome CliHarness::runAs(const QString& setpriv, const QStringList& arguments) const
+{
+    QProcess process;
+    prepare(process, {}, {});
+    process.setProgram(setpriv);
+    process.setArguments(
+        QStringList{QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                    QStringLiteral("--clear-groups"), QStringLiteral(ONDRILET_CLI_EXECUTABLE)} +
+        arguments);
+    process.start();
+    return finish(process, 10000);
+}
+
+CliOutcome CliHarness::finish(QProcess& process, int timeoutMilliseconds)
+{
     CliOutcome outcome;
     outcome.finished = process.waitForFinished(timeoutMilliseconds);
     if (!outcome.finished) {

@@ -79,6 +79,9 @@ public:
     CliOutcome run(const QStringList& arguments, const Fault& fault = {},
                    int timeoutMilliseconds = 10000) const;
 
+    // As run(), as the unprivileged user "nobody" through `setpriv`.
+    CliOutcome runAs(const QString& setpriv, const QStringList& arguments) const;
+
     // Starts the program in work/ with `fault`; `mark` is created when a held call is reached.
     void start(QProcess& process, const QStringList& arguments, const Fault& fault,
                const QString& mark = {}) const;
@@ -90,6 +93,10 @@ public:
     static QStringList hiddenHelpers(const QString& directory);
 
 private:
+    // The environment and working folder of a run, the fault library's settings among them.
+    void prepare(QProcess& process, const Fault& fault, const QString& mark) const;
+    static CliOutcome finish(QProcess& process, int timeoutMilliseconds);
+
     QString m_home;
     QString m_work;
     QString m_out;
