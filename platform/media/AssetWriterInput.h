@@ -37,7 +37,9 @@ public:
     void setExpectsMediaDataInRealTime(bool realTime);
 
     // True while the writer is writing, this input is not finished, and it is not more than
-    // half a second ahead of the least advanced other unfinished input of the writer.
+    // half a second ahead of the least advanced other unfinished input of the writer. Also true
+    // while unfinished after the writer failed in mid-writing, so that the requested block is
+    // called and sees the failure (an append then returns false).
     bool isReadyForMoreMediaData() const;
 
     // Calls `block` on `queue` whenever this input is ready and unfinished, again after each

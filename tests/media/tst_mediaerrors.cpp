@@ -375,6 +375,82 @@ private slots:
         QVERIFY2(passed, qPrintable(output));
         QCOMPARE(Fixtures::sha256(source), before);
     }
+
+    // A block written as the audio pump is: it loops while the input is ready and, once the
+    // writer is no longer writing, cancels and ends. The writer must call it after the failed
+    // append, or the conversion waits for good.
+    void aFailedWriterCallsTheBlockUntilItSeesTheFailure()
+    {
+        if (isChild() && qEnvironmentVariableIsSet("ONDRILET_FULL_DISK")) {
+            const QString folder = qEnvironmentVariable("ONDRILET_FULL_DISK");
+            QVERIFY2(::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0,
+                             "size=64k") == 0,
+                     strerror(errno));
+            const QString source = qEnvironmentVariable("ONDRILET_FULL_SOURCE");
+            const Asset asset(source);
+            AssetReader reader(asset);
+            auto output = std::make_shared<AssetReaderTrackOutput>(
+                asset.tracks(MediaType::audio)[0], decodeSettings());
+            reader.add(output);
+            const QString target = QDir(folder).filePath("out.wav");
+            AssetWriter writer(target, FileType::wave);
+            const AssetWriterInput input(
+                MediaType::audio,
+                SettingsDictionary{
+                    {SettingsKey::formatId, QVariant::fromValue(AudioFormatId::linearPCM)},
+                    {SettingsKey::sampleRate, 44100.0},
+                    {SettingsKey::numberOfChannels, 2},
+                    {SettingsKey::linearPCMBitDepth, 16}});
+            writer.add(input);
+            QVERIFY(reader.startReading());
+            QVERIFY(writer.startWriting());
+            writer.startSession(MediaTime::zero());
+            QSemaphore done;
+            SerialQueue queue(QStringLiteral("mediaInputQueue"));
+            input.requestMediaDataWhenReady(queue, [&] {
+                while (input.isReadyForMoreMediaData()) {
+                    if (writer.status() != AssetWriter::Status::writing) {
+                        reader.cancelReading();
+                        writer.cancelWriting();
+                        done.release();
+                        return;
+                    }
+                    const std::shared_ptr<SampleBuffer> buffer = output->copyNextSampleBuffer();
+                    if (!buffer) {
+                        input.markAsFinished();
+                        writer.finishWriting([&] { done.release(); });
+                        return;
+                    }
+                    input.append(buffer);
+                }
+            });
+            QVERIFY2(done.tryAcquire(1, 20000), "the block was not called after the failure");
+            QCOMPARE(writer.status(), AssetWriter::Status::failed);
+            QVERIFY(writer.error().has_value());
+            QCOMPARE(writer.error()->code(), -11807);
+            QVERIFY(!QFileInfo::exists(target));
+            return;
+        }
+        const QString source = Fixtures::makeTone(m_directory.path(), "big-pump.wav", 3.0, 44100, 2,
+                                                  {"-c:a", "pcm_s16le"});
+        QVERIFY(!source.isEmpty());
+        const QByteArray before = Fixtures::sha256(source);
+        QVERIFY(QDir(m_directory.path()).mkdir("small-disk-pump"));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("ONDRILET_FULL_DISK"), path("small-disk-pump"));
+        environment.insert(QStringLiteral("ONDRILET_FULL_SOURCE"), source);
+        QString output;
+        bool wrapperFailed = false;
+        const bool passed =
+            runChild({QStringLiteral("unshare"), QStringLiteral("--user"),
+                      QStringLiteral("--map-root-user"), QStringLiteral("--mount")},
+                     QStringLiteral("aFailedWriterCallsTheBlockUntilItSeesTheFailure"), environment,
+                     &output, &wrapperFailed);
+        if (!passed && wrapperFailed)
+            QSKIP(qPrintable(QStringLiteral("no mount namespace here: ") + output));
+        QVERIFY2(passed, qPrintable(output));
+        QCOMPARE(Fixtures::sha256(source), before);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMediaErrors)

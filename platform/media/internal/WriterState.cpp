@@ -74,7 +74,13 @@ std::optional<MediaError> WriterState::error() const
 
 bool WriterState::isReady(const InputState& input) const
 {
-    if (status() != writing || finishing || input.finished)
+    if (input.finished)
+        return false;
+    // A failed writer still calls its inputs' blocks, so that a pump sees the failure and ends
+    // its run instead of waiting for a call that would never come.
+    if (failedWhileWriting)
+        return true;
+    if (status() != writing || finishing)
         return false;
     double leastOther = std::numeric_limits<double>::infinity();
     for (const auto& other : inputs) {
@@ -99,10 +105,14 @@ void WriterState::fail(const MediaError& error)
     if (!m_error)
         m_error = error;
     const int current = status();
+    if (current == writing)
+        failedWhileWriting = true;
     if (current == writing || current == unknown)
         setStatus(failed);
     for (const auto& input : inputs)
         input->encoder.reset();
+    // Every block that waits is called once more, now that there is a failure to see.
+    wakeInputs(nullptr);
 }
 
 void WriterState::writePacket(AVPacket* packet, AVStream* stream, AVRational timeBase)
@@ -190,11 +200,19 @@ void WriterState::finish()
 void WriterState::cancel()
 {
     const int current = status();
+    // Cancelling a failed writer keeps its error and removes what it had written.
+    if (current == failed)
+        discardFile();
     if (current != writing && current != unknown)
         return;
     setStatus(cancelled);
     for (const auto& input : inputs)
         input->encoder.reset();
+    discardFile();
+}
+
+void WriterState::discardFile()
+{
     releaseMuxer();
     if (m_file) {
         m_file->discard();

@@ -92,7 +92,7 @@ public:
 
     // Lock held for all of these.
     // Ready: writing, unfinished, and not more than half a second ahead of the least advanced
-    // other unfinished input.
+    // other unfinished input; or unfinished while the writer has failed in mid-writing.
     bool isReady(const InputState& input) const;
     // Ends writing in failure with `error` (the first error stays), dropping the encoders.
     void fail(const MediaError& error);
@@ -103,16 +103,20 @@ public:
     void start();
     // Flushes all inputs, writes the trailer and closes the file; status completed or failed.
     void finish();
-    // Stops writing and removes the file.
+    // Stops writing and removes the file; a failed writer only loses its file.
     void cancel();
 
     mutable std::recursive_mutex mutex;
+    // Failed after writing had begun: its inputs' blocks are still called (see isReady).
+    bool failedWhileWriting = false;
     std::vector<std::shared_ptr<InputState>> inputs;
     MediaTime sessionStart = MediaTime::invalid();
     bool finishing = false;
 
 private:
     void releaseMuxer();
+    // Frees the muxer, then closes and removes the file.
+    void discardFile();
 
     std::atomic<int> m_status = unknown;
     std::optional<MediaError> m_error;
