@@ -23,6 +23,9 @@ namespace platform::internal {
 namespace {
 
 constexpr int ioBufferBytes = 64 * 1024;
+// No sound file is sampled this slowly; a rate below it is a broken header, and reading it as
+// given would stretch two seconds into a day of output.
+constexpr int minimumSampleRate = 1000;
 
 int readFromDescriptor(void* opaque, std::uint8_t* buffer, int size)
 {
@@ -158,6 +161,16 @@ void InputFile::openContainer()
                                     .arg(displayName(m_path), ffmpegErrorText(result)));
     if (m_format->nb_streams == 0)
         throw notRecognized(m_path, QStringLiteral("holds no media stream."));
+    for (unsigned int i = 0; i < m_format->nb_streams; ++i) {
+        const AVCodecParameters* parameters = m_format->streams[i]->codecpar;
+        if (parameters->codec_type == AVMEDIA_TYPE_AUDIO &&
+            parameters->sample_rate < minimumSampleRate)
+            throw MediaError::media(MediaError::invalidSourceMedia,
+                                    QStringLiteral("The file “%1” is damaged: its sound is "
+                                                   "declared at %2 Hz")
+                                        .arg(displayName(m_path))
+                                        .arg(parameters->sample_rate));
+    }
 }
 
 void InputFile::close()

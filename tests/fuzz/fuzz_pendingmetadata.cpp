@@ -1,0 +1,20 @@
+// libFuzzer entry: any bytes through the pending-metadata decoder, and what it accepts back
+// through the encoder. Single-threaded.
+#include "app/metadata/PendingMetadataStore.h"
+
+#include <QByteArray>
+#include <QCborMap>
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    if (const std::optional<QCborMap> map = Ondrilet::PendingMetadataStore::decode(bytes)) {
+        const QByteArray again = Ondrilet::PendingMetadataStore::encode(*map);
+        if (!Ondrilet::PendingMetadataStore::decode(again))
+            __builtin_trap(); // what was read once must read again
+    }
+    return 0;
+}

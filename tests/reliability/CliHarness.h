@@ -1,0 +1,108 @@
+// Runs ondrilet-cli as a child process for the reliability tests: each run has its own home, a
+// time limit after which the child is killed and the run counts as hung, and optionally a file
+// call that the fault library makes fail or stop at. The output kinds and destinations are rows,
+// so that a new kind of output is one more entry. Test threads only.
+#pragma once
+
+#include <QList>
+#include <QMetaType>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+namespace reliability {
+
+// A file call made to fail with an errno, or to stop the child for good, on paths below
+// `folder`; `call` empty means no fault. See FaultShim.cpp for the meaning of each field.
+struct Fault
+{
+    QString call;      // write, fsync, rename, unlink, openat, chmod
+    QString errorName; // ENOSPC, EIO, EACCES, EROFS
+    int after = 0;     // counted calls that still succeed
+    int times = 0;     // calls that fail after those; 0: all of them
+    QString match;     // only file names holding this text count
+    QString hold;      // before or after: stop at the call instead of failing it
+    QString folder;
+};
+
+struct CliOutcome
+{
+    bool finished = false; // ended on its own within the time limit
+    bool crashed = false;  // ended by a signal
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+// One kind of output: how to choose it on the command line, its extension, and the ffmpeg
+// arguments that make a short source of the same container (for in-place runs).
+struct OutputKind
+{
+    QString name;
+    QStringList options;
+    QString extension;
+    QStringList sourceCodec;
+    QString subfolder; // below a destination with subfolders, e.g. "Audio/wav"
+    bool video = false;
+};
+
+enum class Destination
+{
+    folder,
+    besideSource,
+    inPlace
+};
+
+class CliHarness
+{
+public:
+    // Makes home/, work/ and out/ below `root`.
+    explicit CliHarness(const QString& root);
+
+    QString home() const { return m_home; }
+    QString work() const { return m_work; }
+    QString out() const { return m_out; }
+
+    static QList<OutputKind> audioKinds();
+    static QString destinationName(Destination destination);
+
+    // The options that send `kind` to `destination`, followed by `files`.
+    QStringList arguments(const OutputKind& kind, Destination destination,
+                          const QStringList& files) const;
+
+    // Where the output of `source` lands (settings are kept out of the name).
+    QString outputPath(const OutputKind& kind, Destination destination,
+                       const QString& source) const;
+
+    // Runs the program in work/ and waits at most `timeoutMilliseconds`; a child still running
+    // then is killed and the outcome is not finished.
+    CliOutcome run(const QStringList& arguments, const Fault& fault = {},
+                   int timeoutMilliseconds = 10000) const;
+
+    // As run(), as the unprivileged user "nobody" through `setpriv`.
+    CliOutcome runAs(const QString& setpriv, const QStringList& arguments) const;
+
+    // Starts the program in work/ with `fault`; `mark` is created when a held call is reached.
+    void start(QProcess& process, const QStringList& arguments, const Fault& fault,
+               const QString& mark = {}) const;
+
+    // Waits until `path` exists or the child ends; false when it never appeared in time.
+    static bool waitForFile(QProcess& process, const QString& path, int timeoutMilliseconds);
+
+    // The hidden helper files (temporary outputs, backups) below `directory`.
+    static QStringList hiddenHelpers(const QString& directory);
+
+private:
+    // The environment and working folder of a run, the fault library's settings among them.
+    void prepare(QProcess& process, const Fault& fault, const QString& mark) const;
+    static CliOutcome finish(QProcess& process, int timeoutMilliseconds);
+
+    QString m_home;
+    QString m_work;
+    QString m_out;
+};
+
+} // namespace reliability
+
+Q_DECLARE_METATYPE(reliability::OutputKind)
+Q_DECLARE_METATYPE(reliability::Destination)
