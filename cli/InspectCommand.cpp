@@ -6,49 +6,18 @@
 #include "cli/MeasureCommand.h"
 #include "cli/TerminalOutput.h"
 
+#include "platform/foundation/OutputToErrorStream.h"
+
 #include <QUrl>
 
-#include <cstdio>
-#include <unistd.h>
-
 namespace Ondrilet {
-
-namespace {
-
-// While it lives, what is written to standard output lands on standard error.
-class OutputToErrorStream
-{
-public:
-    OutputToErrorStream()
-    {
-        std::fflush(stdout);
-        m_saved = ::dup(STDOUT_FILENO);
-        if (m_saved >= 0)
-            ::dup2(STDERR_FILENO, STDOUT_FILENO);
-    }
-    ~OutputToErrorStream()
-    {
-        std::fflush(stdout);
-        if (m_saved >= 0) {
-            ::dup2(m_saved, STDOUT_FILENO);
-            ::close(m_saved);
-        }
-    }
-    OutputToErrorStream(const OutputToErrorStream&) = delete;
-    OutputToErrorStream& operator=(const OutputToErrorStream&) = delete;
-
-private:
-    int m_saved = -1;
-};
-
-} // namespace
 
 QCoro::Task<int> InspectCommand::run(QStringList files, TerminalOutput* terminal)
 {
     QStringList objects;
     int status = 0;
     {
-        const OutputToErrorStream divert;
+        const platform::OutputToErrorStream divert;
         for (const QString& file : files) {
             std::exception_ptr failure;
             try {

@@ -2,7 +2,6 @@
 
 #include "platform/foundation/Console.h"
 #include "platform/media/Size.h"
-#include "platform/media/internal/AssetState.h"
 
 #include <QFileInfo>
 #include <QMetaType>
@@ -112,7 +111,7 @@ QCoro::Task<InterlacingVerdict> InterlacingDetector::runHeuristic(platform::Asse
     // whatever the name says.
     const float framesPerSecond = co_await track.loadNominalFrameRate();
     const platform::Size size = co_await track.loadNaturalSize();
-    const QString lowerCasedName = QFileInfo(track.assetState()->path()).fileName().toLower();
+    const QString lowerCasedName = QFileInfo(track.assetPath()).fileName().toLower();
     const InterlacingVerdict verdict = interlacingHeuristic(
         lowerCasedName.toStdString(), framesPerSecond, size.width, size.height);
     printHeuristicVerdict(verdict, lowerCasedName);

@@ -105,4 +105,9 @@ QCoro::Task<std::vector<FormatDescription>> AssetTrack::loadFormatDescriptions()
     co_return self.formatDescriptions();
 }
 
+QString AssetTrack::assetPath() const
+{
+    return m_asset->path();
+}
+
 } // namespace platform

@@ -50,6 +50,9 @@ public:
     QCoro::Task<float> loadNominalFrameRate() const;
     QCoro::Task<float> loadEstimatedDataRate() const;
 
+    // The path of the file the track belongs to.
+    QString assetPath() const;
+
     const std::shared_ptr<internal::AssetState>& assetState() const { return m_asset; }
 
     friend bool operator==(const AssetTrack& a, const AssetTrack& b)

@@ -1,0 +1,25 @@
+#include "platform/foundation/OutputToErrorStream.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace platform {
+
+OutputToErrorStream::OutputToErrorStream()
+{
+    std::fflush(stdout);
+    m_saved = ::dup(STDOUT_FILENO);
+    if (m_saved >= 0)
+        ::dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+OutputToErrorStream::~OutputToErrorStream()
+{
+    std::fflush(stdout);
+    if (m_saved >= 0) {
+        ::dup2(m_saved, STDOUT_FILENO);
+        ::close(m_saved);
+    }
+}
+
+} // namespace platform

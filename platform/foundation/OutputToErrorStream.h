@@ -1,0 +1,19 @@
+// While an object of it lives, what the program writes to standard output lands on standard error
+// (so that console lines do not mix with a document printed on standard output). Main thread.
+#pragma once
+
+namespace platform {
+
+class OutputToErrorStream
+{
+public:
+    OutputToErrorStream();
+    ~OutputToErrorStream();
+    OutputToErrorStream(const OutputToErrorStream&) = delete;
+    OutputToErrorStream& operator=(const OutputToErrorStream&) = delete;
+
+private:
+    int m_saved = -1;
+};
+
+} // namespace platform
