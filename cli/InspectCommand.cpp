@@ -5,7 +5,6 @@
 #include "cli/InspectReport.h"
 #include "cli/MeasureCommand.h"
 #include "cli/TerminalOutput.h"
-
 #include "platform/foundation/OutputToErrorStream.h"
 
 #include <QUrl>
