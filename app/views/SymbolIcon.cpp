@@ -185,6 +185,17 @@ const QHash<QString, Glyph>& glyphs()
             p.drawLine(QPointF(12, 5), QPointF(12, 19));
             p.drawLine(QPointF(5, 12), QPointF(19, 12));
         });
+        g.insert(QStringLiteral("slider.horizontal.3"), [](QPainter& p, const QColor& c) {
+            // Three tracks, each with its knob at another place.
+            p.setPen(strokePen(c, 1.8));
+            for (const qreal y : {6.0, 12.0, 18.0})
+                p.drawLine(QPointF(4, y), QPointF(20, y));
+            p.setBrush(c);
+            p.setPen(Qt::NoPen);
+            p.drawEllipse(QPointF(15, 6), 2.4, 2.4);
+            p.drawEllipse(QPointF(8, 12), 2.4, 2.4);
+            p.drawEllipse(QPointF(13, 18), 2.4, 2.4);
+        });
         g.insert(QStringLiteral("minus"), [](QPainter& p, const QColor& c) {
             p.setPen(strokePen(c, 2.2));
             p.drawLine(QPointF(5, 12), QPointF(19, 12));
@@ -353,6 +364,7 @@ const QHash<QString, QString>& themeNames()
         {QStringLiteral("questionmark.circle"), QStringLiteral("dialog-question")},
         {QStringLiteral("plus"), QStringLiteral("list-add")},
         {QStringLiteral("minus"), QStringLiteral("list-remove")},
+        {QStringLiteral("slider.horizontal.3"), QStringLiteral("configure")},
         {QStringLiteral("xmark"), QStringLiteral("window-close")},
         {QStringLiteral("arrow.clockwise"), QStringLiteral("view-refresh")},
         {QStringLiteral("gearshape.2"), QStringLiteral("emblem-system")},
