@@ -1,5 +1,6 @@
 #include "app/batch/ProgressTexts.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "app/batch/DurationText.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace Ondrilet {
 
 QString ProgressTexts::fixedDecimals(double value, int decimals)
 {
-    return QString::number(value, 'f', decimals);
+    return QString::fromStdString(ConversionEngine::FixedDecimals::text(value, decimals));
 }
 
 QString ProgressTexts::percentText(double fraction)

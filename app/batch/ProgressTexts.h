@@ -44,8 +44,8 @@ public:
 
     static PhaseColor phaseColor(ConversionEngine::ConversionPhase phase);
 
-    // Digits in the C form, whatever the locale: how every number above is written. The program
-    // has no shared formatter for this yet; when it does, this one goes.
+    // Digits with a point, whatever the locale, through the program's one formatter: how every
+    // number above is written.
     static QString fixedDecimals(double value, int decimals);
 };
 

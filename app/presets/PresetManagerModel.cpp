@@ -1,5 +1,6 @@
 #include "app/presets/PresetManagerModel.h"
 
+#include "ConversionEngine/core/FixedDecimals.h"
 #include "app/presets/PresetStore.h"
 
 #include <cmath>
@@ -8,11 +9,10 @@ namespace Ondrilet {
 
 namespace {
 
-// The pickers and the value texts read the same in every locale: QString::number always writes
-// the C form. Kept here until the program has one shared formatter for such numbers.
+// The value texts read the same in every locale, rounded as every other figure of the program.
 QString fixedDecimals(double value, int decimals)
 {
-    return QString::number(value, 'f', decimals);
+    return QString::fromStdString(ConversionEngine::FixedDecimals::text(value, decimals));
 }
 
 PresetEditingFields fieldsOf(const VideoPreset& preset)
