@@ -289,16 +289,19 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
     const VideoOutputSettingsResult video =
         VideoOutputSettings::build(facts, crf, settings.codec, settings.resolution);
 
+    const bool useSourceRate = rawValue(settings.frameRate) == QStringLiteral("Source");
+    const float nominalRate = co_await track.loadNominalFrameRate();
     platform::AssetWriterInput videoInput(MediaType::video, video.settings, description);
     videoInput.setExpectsMediaDataInRealTime(false);
+    // The rate the pictures will come at, so that the encoder shares the bit rate out right.
+    videoInput.setExpectedFrameRate(useSourceRate ? double(nominalRate)
+                                                  : numericValue(settings.frameRate));
     if (!writer->canAdd(videoInput))
         throw ConversionError::conversionFailed(QStringLiteral("Cannot add video input to writer"));
     writer->add(videoInput);
 
     const AudioSide audio = co_await setUpAudioInput(asset, *writer);
 
-    const bool useSourceRate = rawValue(settings.frameRate) == QStringLiteral("Source");
-    const float nominalRate = co_await track.loadNominalFrameRate();
     const ReadingArrangement arrangement =
         readingArrangement(useSourceRate, numericValue(settings.frameRate), double(nominalRate));
     std::shared_ptr<platform::AssetWriterInputPixelBufferAdaptor> adaptor;

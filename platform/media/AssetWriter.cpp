@@ -64,7 +64,8 @@ std::unique_ptr<internal::VideoEncoder> videoEncoderFor(const internal::InputSta
         internal::videoEncodingFor(input.settings);
     if (!encoding || !internal::containerCarries(type, encoding->codec))
         return nullptr;
-    return std::make_unique<internal::VideoEncoder>(*encoding, type, input.sourceExtensions);
+    return std::make_unique<internal::VideoEncoder>(*encoding, type, input.sourceExtensions,
+                                                    input.expectedFrameRate);
 }
 
 std::unique_ptr<internal::InputEncoder> encoderFor(const internal::InputState& input, FileType type)

@@ -55,6 +55,11 @@ void AssetWriterInput::setExpectsMediaDataInRealTime(bool realTime)
     m_state->expectsMediaDataInRealTime = realTime;
 }
 
+void AssetWriterInput::setExpectedFrameRate(double framesPerSecond)
+{
+    m_state->expectedFrameRate = framesPerSecond;
+}
+
 bool AssetWriterInput::isReadyForMoreMediaData() const
 {
     const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();

@@ -40,6 +40,9 @@ public:
     // Kept for callers that state it; this layer writes files only, never live sources.
     bool expectsMediaDataInRealTime() const;
     void setExpectsMediaDataInRealTime(bool realTime);
+    // Video: how many pictures a second will come (the encoder shares its bit rate out by it; an
+    // encoder told nothing assumes 30). Before the writer starts; 0 or less leaves it unsaid.
+    void setExpectedFrameRate(double framesPerSecond);
 
     // True while the writer is writing, this input is not finished, and it is not more than
     // half a second ahead of the least advanced other unfinished input of the writer. Also true

@@ -68,6 +68,7 @@ Outcome transcode(const QString& source, const QString& target, FileType type,
     AssetWriter writer(target, type);
     AssetWriterInput videoInput(MediaType::video, settings,
                                 videoTrack.formatDescriptions().front());
+    videoInput.setExpectedFrameRate(videoTrack.nominalFrameRate());
     if (!writer.canAdd(videoInput))
         return outcome;
     writer.add(videoInput);
@@ -309,22 +310,28 @@ private slots:
     void bitRateIsMet_data()
     {
         QTest::addColumn<QString>("codec");
-        QTest::newRow("h264") << VideoCodecName::h264;
-        QTest::newRow("hevc") << VideoCodecName::hevc;
+        QTest::addColumn<int>("framesPerSecond");
+        QTest::newRow("h264 30") << VideoCodecName::h264 << 30;
+        QTest::newRow("hevc 30") << VideoCodecName::hevc << 30;
+        // An encoder that assumed 30 pictures a second would miss by a fifth here.
+        QTest::newRow("h264 24") << VideoCodecName::h264 << 24;
+        QTest::newRow("hevc 24") << VideoCodecName::hevc << 24;
     }
 
     void bitRateIsMet()
     {
         QFETCH(QString, codec);
+        QFETCH(int, framesPerSecond);
         // Grain in every frame, so that the encoder has use for every bit it is given.
-        const QString source = QDir(m_dir.path()).filePath("ten.mp4");
+        const QString rate = QString::number(framesPerSecond);
+        const QString source = QDir(m_dir.path()).filePath("ten-" + rate + ".mp4");
         if (!QFileInfo::exists(source))
-            QVERIFY(Fixtures::runFfmpeg({"-f", "lavfi", "-i",
-                                         "testsrc=size=320x240:rate=30:duration=10,"
-                                         "noise=alls=30:allf=t+u",
-                                         "-c:v", "libx264", "-preset", "ultrafast", "-crf", "12",
-                                         "-pix_fmt", "yuv420p", source}));
-        const QString path = target("rate-" + codec + ".mp4");
+            QVERIFY(Fixtures::runFfmpeg(
+                {"-f", "lavfi", "-i",
+                 "testsrc=size=320x240:rate=" + rate + ":duration=10,noise=alls=30:allf=t+u",
+                 "-c:v", "libx264", "-preset", "ultrafast", "-crf", "12", "-pix_fmt", "yuv420p",
+                 source}));
+        const QString path = target("rate-" + codec + "-" + rate + ".mp4");
         constexpr double asked = 300'000;
         const Outcome outcome = transcode(source, path, FileType::mpeg4,
                                           videoSettings(codec, 320, 240, std::int64_t(asked)));

@@ -11,9 +11,11 @@
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
+#include <libavutil/rational.h>
 }
 
 #include <algorithm>
+#include <cmath>
 
 namespace platform::internal {
 
@@ -85,9 +87,10 @@ MediaError noEncoder(const char* name)
 } // namespace
 
 VideoEncoder::VideoEncoder(const VideoEncoding& encoding, FileType fileType,
-                           const SettingsDictionary& colourHint)
+                           const SettingsDictionary& colourHint, double framesPerSecond)
     : m_encoding(encoding)
     , m_fileType(fileType)
+    , m_framesPerSecond(framesPerSecond)
 {
     switch (encoding.codec) {
     case EncodedCodec::h264:
@@ -145,7 +148,10 @@ void VideoEncoder::open(AVFormatContext* muxer)
     context.height = m_encoding.height;
     context.pix_fmt = m_pixelFormat;
     context.time_base = AVRational{1, timescale};
-    context.framerate = AVRational{assumedFramesPerSecond, 1};
+    // x265 shares its bit rate out by this rate, not by the pictures' times.
+    context.framerate = m_framesPerSecond > 0 && std::isfinite(m_framesPerSecond)
+                            ? av_d2q(m_framesPerSecond, 1 << 16)
+                            : AVRational{assumedFramesPerSecond, 1};
     context.sample_aspect_ratio = AVRational{1, 1};
     context.color_primaries = m_primaries;
     context.color_trc = m_transfer;

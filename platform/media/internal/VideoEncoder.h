@@ -24,8 +24,9 @@ public:
     static constexpr int timescale = 90000;
 
     // `colourHint`: a format description's extension dictionary (colour names), may be empty.
+    // `framesPerSecond` above 0 tells the encoder the rate it shares its bit rate out by.
     VideoEncoder(const VideoEncoding& encoding, FileType fileType,
-                 const SettingsDictionary& colourHint);
+                 const SettingsDictionary& colourHint, double framesPerSecond);
     ~VideoEncoder() override;
 
     void open(AVFormatContext* muxer) override;
@@ -46,6 +47,7 @@ private:
 
     VideoEncoding m_encoding;
     FileType m_fileType;
+    double m_framesPerSecond = 0;
     const char* m_encoderName = nullptr;
     AVPixelFormat m_pixelFormat = AV_PIX_FMT_YUV420P;
     AVColorPrimaries m_primaries = AVCOL_PRI_UNSPECIFIED;

@@ -42,6 +42,8 @@ public:
     // Video: the source's format-description extensions (its colour tags), may be empty.
     SettingsDictionary sourceExtensions;
     bool expectsMediaDataInRealTime = false;
+    // Video: the pictures a second the input will be given; 0 when not known.
+    double expectedFrameRate = 0;
 
     // Everything below is guarded by the writer's lock once the input is added.
     std::weak_ptr<WriterState> writer;
