@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // OndriletApp: starts the application, or hands its files to the Ondrilet already running, and
 // shows the main window. GUI thread.
 #include "app/batch/AppMemoryManager.h"
@@ -85,16 +86,16 @@ int main(int argc, char* argv[])
                      [&window](const QStringList& received) {
                          Ondrilet::InstanceChannel::openFiles(received, window.hasAppeared());
                          // After the window's own handling of the files.
-                         platform::MainQueue::async([&window] { window.bringToFront(); });
+                         Platform::MainQueue::async([&window] { window.bringToFront(); });
                      });
     // Told to end (Ctrl-C in the terminal that started it, a plain kill, the session closing):
     // the program quits without asking, and removes the output of a conversion under way.
-    platform::SignalWatcher interrupts(SIGINT, 1);
-    platform::SignalWatcher terminations(SIGTERM, 1);
-    platform::SignalWatcher hangUps(SIGHUP, 1);
-    for (const platform::SignalWatcher* watcher : {&interrupts, &terminations, &hangUps})
+    Platform::SignalWatcher interrupts(SIGINT, 1);
+    Platform::SignalWatcher terminations(SIGTERM, 1);
+    Platform::SignalWatcher hangUps(SIGHUP, 1);
+    for (const Platform::SignalWatcher* watcher : {&interrupts, &terminations, &hangUps})
         QObject::connect(
-            watcher, &platform::SignalWatcher::received, &application,
+            watcher, &Platform::SignalWatcher::received, &application,
             [number = watcher->signalNumber()] { QCoreApplication::exit(128 + number); });
     window.show();
     const int status = QApplication::exec();

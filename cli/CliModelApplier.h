@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Replays the settings of a command line on the main window's model, each through the call its
 // panel control makes, so that every rule the model keeps (the codec check after a format
 // change, the level picker and sliders, the metadata triggers) runs as it does in the window.

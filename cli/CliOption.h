@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The options the command line accepts: name, value, accepted values, help and the handler that
 // takes the option into the request, one row each, in the order the help lists them. The parser,
 // the help text, the man page and the shell completion all read this one table, so that they

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns the words of a command line into a CliRequest: the action, the input files, the preset
 // and the panel settings in the order given. It splits the line into options and files and hands
 // each option to its handler in the option table, which checks the value against what the panel

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the parser has collected so far from one command line: the request being built and the
 // actions asked for. Each option's handler in the option table writes into it. Any thread.
 #pragma once

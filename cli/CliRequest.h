@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one command line asks for: which action, the input files, the preset and the settings
 // in the order given. Made by CliOptionParser, read by main. Plain value; any thread.
 #pragma once

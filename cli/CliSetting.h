@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One setting asked for on the command line, as the panel control it stands for would set it:
 // which control, the value chosen, and the option as it was typed (for messages). The parser
 // makes a list of them in the order given; the model applier replays that list. Plain value;

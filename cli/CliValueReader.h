@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the value of one option as the panel control it stands for would accept it, and throws
 // UsageError, naming the option, for anything else. Used by the handlers of the option table.
 // Any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/ConversionRun.h"
 
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
@@ -19,7 +20,7 @@
 
 namespace Ondrilet {
 
-using platform::MainQueue;
+using Platform::MainQueue;
 
 namespace {
 

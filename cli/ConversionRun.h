@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One conversion from the command line, driven through the main window's model as a user would
 // drive the window: the window opens (first preset applied), the files arrive as from the file
 // manager and the first one's metadata is read (waited for), the preset and the settings are

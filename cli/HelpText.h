@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts that tell how to call the program: the short usage shown after a usage error, and the
 // full help of --help, built from the option table. Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/InspectCommand.h"
 
 #include "ConversionEngine/errors/MediaFileError.h"
@@ -16,7 +17,7 @@ QCoro::Task<int> InspectCommand::run(QStringList files, TerminalOutput* terminal
     QStringList objects;
     int status = 0;
     {
-        const platform::OutputToErrorStream divert;
+        const Platform::OutputToErrorStream divert;
         for (const QString& file : files) {
             std::exception_ptr failure;
             try {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // --inspect: analyses each file as the engine's media inspection does and prints one JSON object
 // per file on standard output (an array when several were given); a file that cannot be
 // inspected gets its failure's text on standard error, and the others are still printed. The

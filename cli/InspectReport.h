@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The JSON that --inspect prints for one inspected file: the MediaFile's fields in their order,
 // each video stream with how its interlacing and field order were decided and the deinterlacing
 // the engine would choose for it by itself, and each audio stream. Keys and their values are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // --measure: runs the loudness analysis and then the peak pass over one file, as the audio
 // engine runs them before a level target, and prints their results as JSON on standard output;
 // a failure prints its text on standard error. Main thread only (the peak pass needs it).

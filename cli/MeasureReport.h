@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The JSON that --measure prints: the file, the loudness analysis's result under the names of
 // its fields, and the peak pass's level as peakDB and peakLinear, in that order. Pure; any
 // thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one line of the terminal's progress bar: a bar, the percentage done, the time remaining and
 // the status text, cut to the terminal's width. Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Shows a running conversion on the terminal: ten times a second it draws the driver's overall
 // fraction, the batch's remaining time and the status text as the status line of
 // TerminalOutput. Draws nothing where standard error is not a terminal. Main thread only.

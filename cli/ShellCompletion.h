@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tab completion of ondrilet-cli for bash and zsh, made from the option table: the option names,
 // the accepted values of options with a fixed list, the preset names (asked of the program when
 // completing, so the user's own presets are there too), and files and directories. Written into

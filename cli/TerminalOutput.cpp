@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/TerminalOutput.h"
 
 #include "platform/foundation/TerminalStreams.h"
@@ -8,7 +9,7 @@
 
 namespace Ondrilet {
 
-using platform::TerminalStreams;
+using Platform::TerminalStreams;
 
 namespace {
 

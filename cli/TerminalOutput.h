@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's two output streams as a terminal user sees them: messages on standard error, a
 // status line (the progress bar) drawn and redrawn in place on standard error while it is a
 // terminal, and, when standard output is the same terminal, console lines passed through a relay
@@ -57,7 +58,7 @@ private:
     bool m_statusShown = false;
     bool m_atLineStart = true; // of the relayed output
     // Last, so that it stops (passing on what it holds) while the members above still exist.
-    platform::StandardOutputRelay m_relay;
+    Platform::StandardOutputRelay m_relay;
 };
 
 } // namespace Ondrilet

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A command line the program cannot act on: an unknown option, a missing or unaccepted value,
 // a missing file or a combination that makes no sense. main answers it with the message, the
 // short usage text and exit status 2. Any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli: converts files from a terminal with the same models as the window, lists the
 // presets, measures a file's loudness and peak, or inspects files. Main thread.
 #include "app/batch/AppMemoryManager.h"
@@ -35,17 +36,17 @@ int convert(const CliRequest& request, TerminalOutput& terminal)
     ConversionRun run(&model, &terminal);
     // Ctrl-C stops after the file in hand, a second one quits now; being told to end (the
     // terminal closed, or a plain kill) quits now. Quitting now removes the unfinished output.
-    platform::SignalWatcher interrupts(SIGINT, 2);
-    QObject::connect(&interrupts, &platform::SignalWatcher::received, &run, [&run](int count) {
+    Platform::SignalWatcher interrupts(SIGINT, 2);
+    QObject::connect(&interrupts, &Platform::SignalWatcher::received, &run, [&run](int count) {
         if (count == 1)
             run.interrupt();
         else
             run.quitNow(ConversionRun::exitInterrupted);
     });
-    platform::SignalWatcher terminations(SIGTERM, 1);
-    platform::SignalWatcher hangUps(SIGHUP, 1);
-    for (const platform::SignalWatcher* watcher : {&terminations, &hangUps})
-        QObject::connect(watcher, &platform::SignalWatcher::received, &run,
+    Platform::SignalWatcher terminations(SIGTERM, 1);
+    Platform::SignalWatcher hangUps(SIGHUP, 1);
+    for (const Platform::SignalWatcher* watcher : {&terminations, &hangUps})
+        QObject::connect(watcher, &Platform::SignalWatcher::received, &run,
                          [&run, number = watcher->signalNumber()] { run.quitNow(128 + number); });
     // Queued: a run refused at once ends before the loop below has started.
     QObject::connect(&run, &ConversionRun::finished, QCoreApplication::instance(),

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which ways of awaiting corrupt memory with this compiler? Each case runs 200 times; pass its
 // number (1-9) to run it alone. Not part of the build:
 //   g++ -std=c++20 -g -O1 -fsanitize=address,undefined coroutine-reproducer.cpp -o repro \

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/audio/AudioConverter.h"
 
 #include "ConversionEngine/audio/AudioOutputSettings.h"
@@ -41,7 +42,7 @@ struct PumpSuspension
     bool await_ready() const noexcept { return false; }
     void await_suspend(std::coroutine_handle<> handle)
     {
-        body([handle] { platform::MainQueue::async([handle] { handle.resume(); }); });
+        body([handle] { Platform::MainQueue::async([handle] { handle.resume(); }); });
     }
     void await_resume() const noexcept {}
 };
@@ -80,13 +81,13 @@ private:
     std::unique_ptr<QObject> m_subscription;
 };
 
-ConversionError mapped(const std::optional<platform::MediaError>& error,
+ConversionError mapped(const std::optional<Platform::MediaError>& error,
                        const ConversionError& otherwise)
 {
     return error ? ErrorHandler::handleAVError(*error) : ErrorHandler::handleAVError(otherwise);
 }
 
-double secondsOf(const platform::MediaTime& time)
+double secondsOf(const Platform::MediaTime& time)
 {
     return time.isValid ? time.seconds() : std::numeric_limits<double>::quiet_NaN();
 }
@@ -107,17 +108,17 @@ AudioConverter::AudioConverter(MemoryManager* memoryManager, QObject* parent)
 
 AudioConverter::~AudioConverter()
 {
-    platform::NotificationCenter::defaultCenter().removeObserver(this);
+    Platform::NotificationCenter::defaultCenter().removeObserver(this);
 }
 
 void AudioConverter::observeMemoryPressure()
 {
     // The handler holds the converter weakly: a notification that arrives late does nothing.
     const QPointer<AudioConverter> weakSelf(this);
-    platform::NotificationCenter::defaultCenter().addObserver(
-        this, platform::NotificationNames::memoryPressureDetected, nullptr,
-        [weakSelf](const platform::NotificationCenter::Notification&) {
-            platform::MainQueue::async([weakSelf] {
+    Platform::NotificationCenter::defaultCenter().addObserver(
+        this, Platform::NotificationNames::memoryPressureDetected, nullptr,
+        [weakSelf](const Platform::NotificationCenter::Notification&) {
+            Platform::MainQueue::async([weakSelf] {
                 if (weakSelf && weakSelf->m_memoryManager)
                     weakSelf->m_memoryManager->cleanup();
             });
@@ -171,18 +172,18 @@ QCoro::Task<AudioConverter::LevelGains> AudioConverter::runLevelPass(QString sou
     co_return gains;
 }
 
-void AudioConverter::deliverVerdict(const platform::AssetReader& reader,
-                                    const platform::AssetWriter& writer, const QString& output)
+void AudioConverter::deliverVerdict(const Platform::AssetReader& reader,
+                                    const Platform::AssetWriter& writer, const QString& output)
 {
-    if (writer.status() == platform::AssetWriter::Status::failed) {
+    if (writer.status() == Platform::AssetWriter::Status::failed) {
         m_progressTracker->stopTracking(QStringLiteral("Audio writer failed"));
-        if (const std::optional<platform::MediaError> error = writer.error())
+        if (const std::optional<Platform::MediaError> error = writer.error())
             throw ErrorHandler::handleAVError(*error);
         throw ConversionError::conversionFailed(QStringLiteral("Writer failed"));
     }
-    if (reader.status() == platform::AssetReader::Status::failed) {
+    if (reader.status() == Platform::AssetReader::Status::failed) {
         m_progressTracker->stopTracking(QStringLiteral("Audio reader failed"));
-        if (const std::optional<platform::MediaError> error = reader.error())
+        if (const std::optional<Platform::MediaError> error = reader.error())
             throw ErrorHandler::handleAVError(*error);
         throw ConversionError::conversionFailed(QStringLiteral("Reader failed"));
     }
@@ -197,11 +198,11 @@ void AudioConverter::deliverVerdict(const platform::AssetReader& reader,
 QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, AudioFormat format,
                                            AudioSettings settings, ProgressSubject progress)
 {
-    using platform::MediaType;
+    using Platform::MediaType;
     EnhancedProgressTracker* const tracker = m_progressTracker;
     // The callback only tells; a conversion under way runs to its end.
     tracker->startTracking(ConversionPhase::initializing, [] {
-        platform::Console::print(QStringLiteral("⚠️ Audio conversion cancellation requested"));
+        Platform::Console::print(QStringLiteral("⚠️ Audio conversion cancellation requested"));
     });
     const RunEnd runEnd(tracker, progress);
 
@@ -213,7 +214,7 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
 
     tracker->updateProgress(0.05, QStringLiteral("Loading audio asset..."),
                             ConversionPhase::loading);
-    const platform::Asset asset(source);
+    const Platform::Asset asset(source);
     tracker->updateProgress(0.1, QStringLiteral("Analyzing audio properties..."),
                             ConversionPhase::analyzing);
     try {
@@ -234,24 +235,24 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
     QCoro::Task<LevelGains> levelPass = runLevelPass(source, settings.levelProcessing);
     const LevelGains gains = co_await levelPass;
 
-    auto reader = std::make_shared<platform::AssetReader>(asset);
-    const std::vector<platform::AssetTrack> tracks = co_await asset.loadTracks(MediaType::audio);
+    auto reader = std::make_shared<Platform::AssetReader>(asset);
+    const std::vector<Platform::AssetTrack> tracks = co_await asset.loadTracks(MediaType::audio);
     if (tracks.empty())
         fail(QStringLiteral("No audio track found"),
              ConversionError::invalidFileStructure(
                  QStringLiteral("No audio track found in the source file")));
-    const platform::AssetTrack track = tracks.front();
+    const Platform::AssetTrack track = tracks.front();
     if (!co_await track.loadIsEnabled())
         fail(QStringLiteral("Audio track is disabled"),
              ConversionError::invalidFileStructure(
                  QStringLiteral("Audio track is disabled in the source file")));
-    const std::vector<platform::FormatDescription> descriptions =
+    const std::vector<Platform::FormatDescription> descriptions =
         co_await track.loadFormatDescriptions();
     if (descriptions.empty())
         fail(QStringLiteral("No audio format description found"),
              ConversionError::invalidFileStructure(
                  QStringLiteral("No audio format description found")));
-    const platform::FormatDescription& description = descriptions.front();
+    const Platform::FormatDescription& description = descriptions.front();
     if (!description.streamBasicDescription)
         fail(QStringLiteral("Invalid audio format description"),
              ConversionError::invalidFileStructure(
@@ -264,7 +265,7 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
                                 .arg(static_cast<qint64>(sampleRate)),
                             ConversionPhase::configuring);
 
-    auto readerOutput = std::make_shared<platform::AssetReaderTrackOutput>(
+    auto readerOutput = std::make_shared<Platform::AssetReaderTrackOutput>(
         track, AudioOutputSettings::decodeSettings());
     // The pump scales buffers in place, so each must be its own.
     readerOutput->setAlwaysCopiesSampleData(true);
@@ -277,8 +278,8 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
     tracker->updateProgress(0.2, QStringLiteral("Configuring audio writer..."),
                             ConversionPhase::configuring);
     auto writer =
-        std::make_shared<platform::AssetWriter>(output, AudioOutputSettings::fileType(format));
-    platform::AssetWriterInput writerInput(
+        std::make_shared<Platform::AssetWriter>(output, AudioOutputSettings::fileType(format));
+    Platform::AssetWriterInput writerInput(
         MediaType::audio,
         AudioOutputSettings::encodeSettings(format, settings, sampleRate, channels), description);
     writerInput.setExpectsMediaDataInRealTime(false);
@@ -300,7 +301,7 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
         fail(QStringLiteral("Failed to start audio writing"),
              mapped(writer->error(),
                     ConversionError::conversionFailed(QStringLiteral("Could not start writing"))));
-    writer->startSession(platform::MediaTime::zero());
+    writer->startSession(Platform::MediaTime::zero());
     tracker->updateProgress(0.3, QStringLiteral("Audio processing started"),
                             ConversionPhase::processingAudio);
 
@@ -311,7 +312,7 @@ QCoro::Task<> AudioConverter::extractAudio(QString source, QString output, Audio
                  QStringLiteral("Audio track has invalid or zero duration")));
 
     // Declared before the pump so that it outlives every call of it.
-    platform::SerialQueue mediaInputQueue(QStringLiteral("mediaInputQueue"));
+    Platform::SerialQueue mediaInputQueue(QStringLiteral("mediaInputQueue"));
     const auto resumer = std::make_shared<Resumer>();
     std::shared_ptr<AudioSamplePump> pump;
     // Named: an awaiter made from a capturing lambda is never awaited as a temporary (decisions.md,

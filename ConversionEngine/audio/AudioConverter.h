@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio engine: turns one source file (audio, or the first audio track of a video) into one
 // audio file, with an optional peak or loudness gain, reporting through its progress tracker.
 // Main thread only; runs of one converter must not overlap, as they share the tracker.
@@ -56,7 +57,7 @@ private:
     QCoro::Task<LevelGains> runLevelPass(QString source, AudioLevelTarget target);
     // Shows the failure in the tracker, then throws it.
     [[noreturn]] void fail(const QString& trackerText, const ConversionError& error);
-    void deliverVerdict(const platform::AssetReader& reader, const platform::AssetWriter& writer,
+    void deliverVerdict(const Platform::AssetReader& reader, const Platform::AssetWriter& writer,
                         const QString& output);
 
     QPointer<MemoryManager> m_memoryManager;

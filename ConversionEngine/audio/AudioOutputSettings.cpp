@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/audio/AudioOutputSettings.h"
 
 #include "ConversionEngine/core/AudioContainer.h"
@@ -56,11 +57,11 @@ AudioEncodeRequest encodeRequest(const AudioSettings& settings)
 
 } // namespace
 
-platform::SettingsDictionary AudioOutputSettings::decodeSettings()
+Platform::SettingsDictionary AudioOutputSettings::decodeSettings()
 {
     const AudioDecodeSettings decode = audioDecodeSettings();
-    namespace Key = platform::SettingsKey;
-    platform::SettingsDictionary dictionary;
+    namespace Key = Platform::SettingsKey;
+    Platform::SettingsDictionary dictionary;
     dictionary.set(Key::formatId, QVariant::fromValue(quint32{fourCharacterCode(decode.formatId)}));
     dictionary.set(Key::linearPCMBitDepth, decode.bitDepthBits);
     dictionary.set(Key::linearPCMIsBigEndian, decode.isBigEndian);
@@ -69,31 +70,31 @@ platform::SettingsDictionary AudioOutputSettings::decodeSettings()
     return dictionary;
 }
 
-platform::FileType AudioOutputSettings::fileType(AudioFormat format)
+Platform::FileType AudioOutputSettings::fileType(AudioFormat format)
 {
     switch (audioContainer(formatKind(format))) {
     case AudioContainer::aiff:
-        return platform::FileType::aiff;
+        return Platform::FileType::aiff;
     case AudioContainer::wave:
-        return platform::FileType::wave;
+        return Platform::FileType::wave;
     case AudioContainer::appleM4A:
-        return platform::FileType::appleM4A;
+        return Platform::FileType::appleM4A;
     case AudioContainer::coreAudioFormat:
-        return platform::FileType::coreAudioFormat;
+        return Platform::FileType::coreAudioFormat;
     }
     qFatal("Unknown audio container for format %d", static_cast<int>(format));
 }
 
-platform::SettingsDictionary AudioOutputSettings::encodeSettings(AudioFormat format,
+Platform::SettingsDictionary AudioOutputSettings::encodeSettings(AudioFormat format,
                                                                  const AudioSettings& settings,
                                                                  double sourceSampleRateHertz,
                                                                  int sourceChannelCount)
 {
     const AudioEncodeSettings encode = audioEncodeSettings(
         formatKind(format), encodeRequest(settings), sourceSampleRateHertz, sourceChannelCount);
-    namespace Key = platform::SettingsKey;
+    namespace Key = Platform::SettingsKey;
     // Keys go in the order the writer's settings are always built in; absent members stay unset.
-    platform::SettingsDictionary dictionary;
+    Platform::SettingsDictionary dictionary;
     dictionary.set(Key::formatId, QVariant::fromValue(quint32{encode.formatIdCode()}));
     dictionary.set(Key::sampleRate, encode.sampleRateHertz);
     dictionary.set(Key::numberOfChannels, encode.channelCount);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/audio/AudioSamplePump.h"
 
 #include "ConversionEngine/core/Limiter.h"
@@ -9,16 +10,16 @@ namespace ConversionEngine {
 
 namespace {
 
-using platform::AssetReader;
-using platform::AssetWriter;
-using platform::SampleBuffer;
+using Platform::AssetReader;
+using Platform::AssetWriter;
+using Platform::SampleBuffer;
 
 class MediaEndpoints final : public AudioSamplePump::Endpoints
 {
 public:
     MediaEndpoints(std::shared_ptr<AssetReader> reader,
-                   std::shared_ptr<platform::AssetReaderTrackOutput> readerOutput,
-                   std::shared_ptr<AssetWriter> writer, platform::AssetWriterInput writerInput)
+                   std::shared_ptr<Platform::AssetReaderTrackOutput> readerOutput,
+                   std::shared_ptr<AssetWriter> writer, Platform::AssetWriterInput writerInput)
         : m_reader(std::move(reader))
         , m_readerOutput(std::move(readerOutput))
         , m_writer(std::move(writer))
@@ -29,7 +30,7 @@ public:
     AssetReader::Status readerStatus() override { return m_reader->status(); }
     std::optional<QString> readerErrorDescription() override
     {
-        if (const std::optional<platform::MediaError> error = m_reader->error())
+        if (const std::optional<Platform::MediaError> error = m_reader->error())
             return error->localizedDescription();
         return std::nullopt;
     }
@@ -40,7 +41,7 @@ public:
     AssetWriter::Status writerStatus() override { return m_writer->status(); }
     std::optional<QString> writerErrorDescription() override
     {
-        if (const std::optional<platform::MediaError> error = m_writer->error())
+        if (const std::optional<Platform::MediaError> error = m_writer->error())
             return error->localizedDescription();
         return std::nullopt;
     }
@@ -58,9 +59,9 @@ public:
 
 private:
     std::shared_ptr<AssetReader> m_reader;
-    std::shared_ptr<platform::AssetReaderTrackOutput> m_readerOutput;
+    std::shared_ptr<Platform::AssetReaderTrackOutput> m_readerOutput;
     std::shared_ptr<AssetWriter> m_writer;
-    platform::AssetWriterInput m_writerInput;
+    Platform::AssetWriterInput m_writerInput;
 };
 
 bool isUsableTime(double seconds)
@@ -78,10 +79,10 @@ AudioSamplePump::AudioSamplePump(Parameters parameters)
 }
 
 std::shared_ptr<AudioSamplePump::Endpoints>
-AudioSamplePump::mediaEndpoints(std::shared_ptr<platform::AssetReader> reader,
-                                std::shared_ptr<platform::AssetReaderTrackOutput> readerOutput,
-                                std::shared_ptr<platform::AssetWriter> writer,
-                                platform::AssetWriterInput writerInput)
+AudioSamplePump::mediaEndpoints(std::shared_ptr<Platform::AssetReader> reader,
+                                std::shared_ptr<Platform::AssetReaderTrackOutput> readerOutput,
+                                std::shared_ptr<Platform::AssetWriter> writer,
+                                Platform::AssetWriterInput writerInput)
 {
     return std::make_shared<MediaEndpoints>(std::move(reader), std::move(readerOutput),
                                             std::move(writer), std::move(writerInput));
@@ -171,7 +172,7 @@ AudioSamplePump::Step AudioSamplePump::goOn()
 void AudioSamplePump::reportProgress(const SampleBuffer& buffer, CallState& state)
 {
     const double duration = m_parameters.durationSeconds;
-    const platform::MediaTime time = buffer.presentationTime();
+    const Platform::MediaTime time = buffer.presentationTime();
     // A time the buffer does not have counts as not a number.
     const double seconds = time.isValid ? time.seconds() : std::nan("");
     if (!(duration > 0.0) || !isUsableTime(seconds))
@@ -212,7 +213,7 @@ void AudioSamplePump::endOfStream(const CallState& state)
     const std::shared_ptr<Endpoints> endpoints = m_parameters.endpoints;
     const Parameters parameters = m_parameters;
     io.finishWriting([endpoints, parameters] {
-        platform::MainQueue::async([endpoints, parameters] {
+        Platform::MainQueue::async([endpoints, parameters] {
             if (EnhancedProgressTracker* tracker = parameters.tracker.data()) {
                 tracker->updateProgress(0.95, QStringLiteral("Writing audio file..."),
                                         ConversionPhase::writing);
@@ -249,7 +250,7 @@ QString AudioSamplePump::readFailureText()
 
 void AudioSamplePump::postUpdate(QString message, ConversionPhase phase, double fraction)
 {
-    platform::MainQueue::async(
+    Platform::MainQueue::async(
         [tracker = m_parameters.tracker, message = std::move(message), phase, fraction] {
             if (tracker)
                 tracker->updateProgress(fraction, message, phase);
@@ -258,7 +259,7 @@ void AudioSamplePump::postUpdate(QString message, ConversionPhase phase, double 
 
 void AudioSamplePump::postStop(QString text)
 {
-    platform::MainQueue::async([tracker = m_parameters.tracker, text = std::move(text)] {
+    Platform::MainQueue::async([tracker = m_parameters.tracker, text = std::move(text)] {
         if (tracker)
             tracker->stopTracking(text);
     });
@@ -266,7 +267,7 @@ void AudioSamplePump::postStop(QString text)
 
 void AudioSamplePump::postResume()
 {
-    platform::MainQueue::async(
+    Platform::MainQueue::async(
         [resumer = m_parameters.resumer, continuation = m_parameters.continuation] {
             resumer->resume(continuation);
         });

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample pump of an audio conversion: called by the writer input whenever it can take data,
 // it moves decoded buffers from the reader to the writer, applies the level gain in place, paces
 // its progress reports, and ends the conversion through one of its exits or the writer's
@@ -35,12 +36,12 @@ public:
         // A plain queue has no task of its own, so the program's answer is always false.
         virtual bool isCurrentTaskCancelled() { return false; }
         virtual bool isReadyForMoreMediaData() = 0;
-        virtual platform::AssetReader::Status readerStatus() = 0;
+        virtual Platform::AssetReader::Status readerStatus() = 0;
         virtual std::optional<QString> readerErrorDescription() = 0;
-        virtual std::shared_ptr<platform::SampleBuffer> copyNextSampleBuffer() = 0;
-        virtual platform::AssetWriter::Status writerStatus() = 0;
+        virtual std::shared_ptr<Platform::SampleBuffer> copyNextSampleBuffer() = 0;
+        virtual Platform::AssetWriter::Status writerStatus() = 0;
         virtual std::optional<QString> writerErrorDescription() = 0;
-        virtual bool append(const std::shared_ptr<platform::SampleBuffer>& buffer) = 0;
+        virtual bool append(const std::shared_ptr<Platform::SampleBuffer>& buffer) = 0;
         virtual void markAsFinished() = 0;
         // `completion` may run on any thread.
         virtual void finishWriting(std::function<void()> completion) = 0;
@@ -71,10 +72,10 @@ public:
     void operator()();
 
     static std::shared_ptr<Endpoints>
-    mediaEndpoints(std::shared_ptr<platform::AssetReader> reader,
-                   std::shared_ptr<platform::AssetReaderTrackOutput> readerOutput,
-                   std::shared_ptr<platform::AssetWriter> writer,
-                   platform::AssetWriterInput writerInput);
+    mediaEndpoints(std::shared_ptr<Platform::AssetReader> reader,
+                   std::shared_ptr<Platform::AssetReaderTrackOutput> readerOutput,
+                   std::shared_ptr<Platform::AssetWriter> writer,
+                   Platform::AssetWriterInput writerInput);
 
     // A buffer that failed to decode, or failed to append, this many times in a row ends the run.
     static constexpr int invalidLimit = 10;
@@ -98,7 +99,7 @@ private:
 
     Step pumpOne(CallState& state);
     Step goOn();
-    void reportProgress(const platform::SampleBuffer& buffer, CallState& state);
+    void reportProgress(const Platform::SampleBuffer& buffer, CallState& state);
     void endOfStream(const CallState& state);
     void exitWith(const QString& text, bool cancel);
     QString readFailureText();

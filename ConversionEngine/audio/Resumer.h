@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Guards the one resumption of a suspended conversion: whichever of the pump's exits or the
 // writer's completion comes first resumes it, and every later attempt does nothing. Any thread.
 #pragma once

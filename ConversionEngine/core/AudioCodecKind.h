@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio codecs the engine can be asked to write, as core sees them (the engine's audio codec
 // cases in the same order), with the four-character format identifier each one is written with.
 // Any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The file type an audio output is written as, and the choice of it from the requested format.
 // Pure; any thread.
 #pragma once

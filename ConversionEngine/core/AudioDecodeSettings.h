@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the engine asks the reader for audio: interleaved little-endian 32-bit floats, with the
 // source's own rate and channel count left alone (so no rate or channel entry exists). Every read
 // of audio, the conversion pass and both analysis passes, uses this one record. Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the user's audio settings contribute to the writer's settings, in plain numbers: the
 // engine fills it from its own audio settings (the level processing plays no part here). Any
 // thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The writer's settings for an audio output, one member per settings key; an empty optional is a
 // key that is not set. Built from the requested format and settings and the source's rate and
 // channel count; it cannot fail, the writer judges the result. Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The deinterlacing the engine proposes for a stream by itself: nothing for progressive material;
 // for interlaced material a filter chosen by picture height first and frame rate second, keeping
 // the stream's field order. Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One second-order filter section in transposed direct form II, in 32-bit float, with its two
 // state values carried from call to call. A section belongs to one stream of samples; use it from
 // one thread at a time.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The names the inspection gives a track's codec, from the four-character code of its media
 // subtype. Only a handful of codes have a name; every other code reads "Unknown". Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The field keys of a video track's format description that interlacing detection reads, each
 // present only when the description holds it with the expected type: a key of another type
 // counts as absent. Plain value; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Numbers with a fixed count of decimals and a point as the decimal mark, whatever the locale:
 // the one formatter for every figure the program writes into names and texts. Any thread.
 // Rounding is to the nearest, ties to the even digit on the exact binary value (as printf does).

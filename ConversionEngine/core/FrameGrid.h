@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The regular time grid of an upsampled video. The grid starts at the time of the first source
 // frame it is offered; each grid time then repeats the latest source picture whose time is at most
 // that grid time plus a millisecond, so a grid falling almost on a source frame does not double it.

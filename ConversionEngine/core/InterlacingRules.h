@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a video track is judged interlaced and which field it shows first: the format keys in a
 // fixed order, then guesses from the file name, the picture size and the frame rate. The steps
 // are kept apart so that the engine can print what each found and await its loads in between.

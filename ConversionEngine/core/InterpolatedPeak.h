@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Peak estimates over interleaved 32-bit float samples: the largest magnitude, and the peak with
 // three linearly interpolated points between neighbouring samples of each channel. Pure functions;
 // any thread.

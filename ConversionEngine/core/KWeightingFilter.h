@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The loudness weighting: per channel, a 38 Hz high-pass section followed by a +4 dB high shelf
 // at about 1682 Hz. The sections are designed in 64-bit float for the given rate, whatever it is,
 // and kept in 32-bit float. One filter serves one analysis, on one thread at a time.

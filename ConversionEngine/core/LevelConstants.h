@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The fixed numbers of level processing, each pinned to its exact 32-bit pattern so that a change
 // of spelling can never move a bit. Constants only; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one static gain of a level target: from a measured peak towards a dBFS target, or from a
 // measured integrated loudness towards a LUFS target. 32-bit float throughout. Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The level gain as the audio pump applies it to each decoded buffer, followed by a bare clip at
 // ±0.97723722 (-0.2 dBFS): no look-ahead, no attack or release. Works in place on 32-bit floats,
 // eight at a time where the buffer allows, with the same arithmetic for the rest. Any thread, on

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Streams decoded audio through the loudness weighting and collects what the gating needs: the
 // mean power of every 10 ms block (channels summed with equal weight) and the largest interpolated
 // peak of the weighted signal. Feed it buffers of interleaved 32-bit floats of any size in order,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns the mean powers of 10 ms blocks into the loudness figures: 400 ms windows every 100 ms,
 // an ungated mean, one relative gate 10 LU under it (never below -70 LUFS), and the gated mean.
 // All in 64-bit float until the results are rounded to 32 bits. Pure functions; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one loudness analysis reports: four 32-bit floats. A plain value; any thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The first guess at what a file holds, from its extension alone, before anything is opened.
 // Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The running sample peak of the peak pass: the largest magnitude over every sample of every
 // channel, as decoded. NaN samples leave it as it is. One meter per pass, one thread at a time.
 #pragma once

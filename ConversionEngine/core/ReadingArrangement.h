@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the video of a conversion is read, chosen by the frame rate asked for against the source's
 // nominal rate: at the source's own timing, duplicated up onto a faster grid, or through a
 // composition that delivers frames at the target rate (equal rates included). Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The numbers a stream record derives from what the media layer reports: the video bit rate, the
 // picture's aspect ratio and the bit rate of uncompressed audio. Pure; any thread.
 #pragma once

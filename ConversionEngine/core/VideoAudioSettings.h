@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound of a video conversion: the first audio track decoded to 16-bit PCM at the output's
 // rate and channel count, then encoded to AAC at 128 kb/s per channel. At most 6 channels; the
 // rate stays when it is 44.1, 48 or 96 kHz, else 48 kHz. Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The size a video is written at: the source's stored size made even, or a preset's height with
 // the width following the source's aspect ratio. Also the scale that fits the source into the
 // output when frames are drawn. Pure; any thread.

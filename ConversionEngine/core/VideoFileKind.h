@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The container a video conversion writes: ProRes always goes into a QuickTime movie, other codecs
 // follow the chosen format (MP4 and M4V are both MPEG-4). Pure; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // When the video pump reports and what fraction it shows: once per 60 frames handed to the writer
 // (none counted as a multiple too), mapping the source time in hand onto 0.25…0.9 of the file.
 // Pure; any thread.

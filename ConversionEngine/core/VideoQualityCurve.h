@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a CRF number becomes for the encoders: an average bit rate from a bits-per-pixel line for
 // H.264 and HEVC, a quality between 0 and 1 for ProRes. The two read the number on different
 // ranges (5…35 for the bit rate, 0…51 for ProRes). Pure; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one vocabulary of failures a user may read: a kind, its payload, and for each kind a
 // description, a reason and a recovery suggestion. Thrown by value; a plain value that any
 // thread may create, copy and read.

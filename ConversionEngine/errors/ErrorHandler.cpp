@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/errors/ErrorHandler.h"
 
 #include "ConversionEngine/errors/MediaFileError.h"
@@ -16,9 +17,9 @@ constexpr qint64 bytesPerMB = 1048576;
 
 std::optional<int> codeOf(const std::exception& error)
 {
-    if (const auto* fileError = dynamic_cast<const platform::FileSystemError*>(&error))
+    if (const auto* fileError = dynamic_cast<const Platform::FileSystemError*>(&error))
         return fileError->code();
-    if (const auto* mediaError = dynamic_cast<const platform::MediaError*>(&error))
+    if (const auto* mediaError = dynamic_cast<const Platform::MediaError*>(&error))
         return mediaError->code();
     return std::nullopt;
 }
@@ -27,9 +28,9 @@ std::optional<int> codeOf(const std::exception& error)
 
 QString ErrorHandler::localizedDescription(const std::exception& error)
 {
-    if (const auto* mediaError = dynamic_cast<const platform::MediaError*>(&error))
+    if (const auto* mediaError = dynamic_cast<const Platform::MediaError*>(&error))
         return mediaError->localizedDescription();
-    if (const auto* fileError = dynamic_cast<const platform::FileSystemError*>(&error))
+    if (const auto* fileError = dynamic_cast<const Platform::FileSystemError*>(&error))
         return fileError->localizedDescription();
     if (const auto* conversionError = dynamic_cast<const ConversionError*>(&error))
         return conversionError->errorDescription();
@@ -51,11 +52,11 @@ QString ErrorHandler::localizedDescription(const std::exception_ptr& error)
 
 ConversionError ErrorHandler::handleAVError(const std::exception& error)
 {
-    const auto* mediaError = dynamic_cast<const platform::MediaError*>(&error);
+    const auto* mediaError = dynamic_cast<const Platform::MediaError*>(&error);
     if (mediaError == nullptr || !mediaError->isMediaDomain())
         return ConversionError::conversionFailed(localizedDescription(error));
 
-    using Code = platform::MediaError::Code;
+    using Code = Platform::MediaError::Code;
     switch (mediaError->code()) {
     case Code::fileFormatNotRecognized:
         return ConversionError::unsupportedInputFormat(
@@ -86,13 +87,13 @@ ConversionError ErrorHandler::handleFileSystemError(const std::exception& error,
 {
     // The code decides, whichever layer raised the error.
     switch (codeOf(error).value_or(0)) {
-    case platform::FileSystemError::readNoSuchFile:
+    case Platform::FileSystemError::readNoSuchFile:
         return ConversionError::inputFileNotFound(url);
-    case platform::FileSystemError::readNoPermission:
+    case Platform::FileSystemError::readNoPermission:
         return ConversionError::permissionDenied(QStringLiteral("Cannot read file: ") +
                                                  QFileInfo(url).fileName());
-    case platform::FileSystemError::writeNoPermission:
-    case platform::FileSystemError::writeFileExists:
+    case Platform::FileSystemError::writeNoPermission:
+    case Platform::FileSystemError::writeFileExists:
         return ConversionError::outputLocationNotWritable(url);
     default:
         return ConversionError::unknownError(QStringLiteral("File system error: ") +
@@ -102,7 +103,7 @@ ConversionError ErrorHandler::handleFileSystemError(const std::exception& error,
 
 std::optional<qint64> ErrorHandler::availableCapacityForImportantUsage(const QString& url)
 {
-    return platform::PathAccess::availableBytes(url);
+    return Platform::PathAccess::availableBytes(url);
 }
 
 void ErrorHandler::checkCapacity(std::optional<qint64> availableBytes, qint64 requiredBytes)
@@ -121,17 +122,17 @@ void ErrorHandler::checkDiskSpace(const QString& url, qint64 requiredBytes)
 
 void ErrorHandler::validateInputFile(const QString& url)
 {
-    if (!platform::PathAccess::exists(url))
+    if (!Platform::PathAccess::exists(url))
         throw ConversionError::inputFileNotFound(url);
-    if (!platform::PathAccess::allows(url, platform::PathAccess::read))
+    if (!Platform::PathAccess::allows(url, Platform::PathAccess::read))
         throw ConversionError::permissionDenied(QStringLiteral("Cannot read input file"));
 }
 
 void ErrorHandler::validateOutputLocation(const QString& url)
 {
     const QString directory = QFileInfo(url).path();
-    if (!platform::PathAccess::exists(directory) ||
-        !platform::PathAccess::allows(directory, platform::PathAccess::write))
+    if (!Platform::PathAccess::exists(directory) ||
+        !Platform::PathAccess::allows(directory, Platform::PathAccess::write))
         throw ConversionError::outputLocationNotWritable(directory);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns errors of the media layer and of file operations into ConversionError, and holds the
 // checks made before a conversion (input readable, output folder writable, free space).
 // Stateless; any thread.
@@ -26,7 +27,7 @@ public:
 
     // Throws insufficientDiskSpace when the volume holding `url` has less room than
     // `requiredBytes`; returns when the volume reports no capacity at all. A failed query is
-    // thrown as a platform::FileSystemError.
+    // thrown as a Platform::FileSystemError.
     static void checkDiskSpace(const QString& url, qint64 requiredBytes);
 
     // Throws inputFileNotFound or permissionDenied.
@@ -42,7 +43,7 @@ public:
     static QString localizedDescription(const std::exception_ptr& error);
 
     // Bytes free to an ordinary user on the volume holding `url`; nothing when the volume
-    // reports no capacity (as virtual file systems do). Throws platform::FileSystemError.
+    // reports no capacity (as virtual file systems do). Throws Platform::FileSystemError.
     static std::optional<qint64> availableCapacityForImportantUsage(const QString& url);
 
     // The decision of checkDiskSpace on a known capacity.

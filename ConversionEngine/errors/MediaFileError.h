@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The failures of media file inspection: a kind without payload and its description. Thrown by
 // value; a plain value that any thread may create, copy and read.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/inspection/AudioStream.h"
 
 #include "ConversionEngine/core/CodecNames.h"
@@ -6,13 +7,13 @@
 
 namespace ConversionEngine {
 
-QCoro::Task<AudioStream> AudioStream::fromTrack(platform::AssetTrack track, int index)
+QCoro::Task<AudioStream> AudioStream::fromTrack(Platform::AssetTrack track, int index)
 {
-    const std::vector<platform::FormatDescription> descriptions =
+    const std::vector<Platform::FormatDescription> descriptions =
         co_await track.loadFormatDescriptions();
     if (descriptions.empty())
         throw MediaFileError::invalidAudioTrack();
-    const platform::FormatDescription& description = descriptions.front();
+    const Platform::FormatDescription& description = descriptions.front();
 
     AudioStream stream;
     stream.id = QUuid::createUuid();
@@ -21,7 +22,7 @@ QCoro::Task<AudioStream> AudioStream::fromTrack(platform::AssetTrack track, int 
     stream.codec = QString::fromUtf8(codec.data(), qsizetype(codec.size()));
     if (!description.streamBasicDescription)
         throw MediaFileError::invalidAudioFormat();
-    const platform::StreamBasicDescription& basic = *description.streamBasicDescription;
+    const Platform::StreamBasicDescription& basic = *description.streamBasicDescription;
     stream.sampleRate = wholeSampleRate(basic.sampleRate);
     stream.channels = int(basic.channelsPerFrame);
     stream.bitDepth = int(basic.bitsPerChannel);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One audio track of an inspected file: its place among the audio tracks, codec, rate, channels,
 // depth and, for uncompressed audio, its bit rate. Read from a track by an asynchronous load on
 // the main thread; the record itself is a plain value for any thread.
@@ -28,7 +29,7 @@ struct AudioStream
 
     // The track's first format description: invalidAudioTrack without one, invalidAudioFormat
     // when it has no stream basic description. The media layer's errors pass through unchanged.
-    static QCoro::Task<AudioStream> fromTrack(platform::AssetTrack track, int index);
+    static QCoro::Task<AudioStream> fromTrack(Platform::AssetTrack track, int index);
 
     friend bool operator==(const AudioStream&, const AudioStream&) = default;
 };

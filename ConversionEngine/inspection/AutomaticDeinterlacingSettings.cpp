@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // DeinterlacingSettings::automatic lives beside the inspection, which owns VideoStream; the
 // choice itself is core's.
 #include "ConversionEngine/core/AutomaticDeinterlacing.h"

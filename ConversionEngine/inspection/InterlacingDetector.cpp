@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/inspection/InterlacingDetector.h"
 
 #include "platform/foundation/Console.h"
@@ -32,7 +33,7 @@ bool holdsInteger(const QVariant& value)
     }
 }
 
-std::optional<std::int64_t> integerKey(const platform::SettingsDictionary& extensions,
+std::optional<std::int64_t> integerKey(const Platform::SettingsDictionary& extensions,
                                        const QString& key)
 {
     const QVariant value = extensions.value(key);
@@ -43,7 +44,7 @@ std::optional<std::int64_t> integerKey(const platform::SettingsDictionary& exten
 
 } // namespace
 
-FieldKeys InterlacingDetector::fieldKeys(const platform::SettingsDictionary& extensions)
+FieldKeys InterlacingDetector::fieldKeys(const Platform::SettingsDictionary& extensions)
 {
     FieldKeys keys;
     const QVariant flag = extensions.value(QStringLiteral("IsInterlaced"));
@@ -56,22 +57,22 @@ FieldKeys InterlacingDetector::fieldKeys(const platform::SettingsDictionary& ext
 }
 
 QCoro::Task<InterlacingVerdict>
-InterlacingDetector::detectInterlacing(platform::AssetTrack track,
-                                       platform::FormatDescription description)
+InterlacingDetector::detectInterlacing(Platform::AssetTrack track,
+                                       Platform::FormatDescription description)
 {
     if (const auto verdict = interlacingFromKeys(fieldKeys(description.extensions))) {
         printKeyVerdict(*verdict);
         co_return *verdict;
     }
     const InterlacingVerdict verdict = co_await runHeuristic(track);
-    platform::Console::print(QStringLiteral("🎯 Heuristic interlacing detection result: ") +
+    Platform::Console::print(QStringLiteral("🎯 Heuristic interlacing detection result: ") +
                              word(verdict.isInterlaced));
     co_return verdict;
 }
 
 QCoro::Task<FieldDominanceVerdict>
-InterlacingDetector::detectFieldDominance(platform::AssetTrack track,
-                                          platform::FormatDescription description)
+InterlacingDetector::detectFieldDominance(Platform::AssetTrack track,
+                                          Platform::FormatDescription description)
 {
     if (const auto verdict = fieldDominanceFromKeys(fieldKeys(description.extensions)))
         co_return *verdict;
@@ -105,12 +106,12 @@ FieldDominanceKind InterlacingDetector::fieldDominanceKind(FieldDominance domina
     return FieldDominanceKind::progressive;
 }
 
-QCoro::Task<InterlacingVerdict> InterlacingDetector::runHeuristic(platform::AssetTrack track)
+QCoro::Task<InterlacingVerdict> InterlacingDetector::runHeuristic(Platform::AssetTrack track)
 {
     // Rate before size, and both before the name is looked at: a failed load ends detection
     // whatever the name says.
     const float framesPerSecond = co_await track.loadNominalFrameRate();
-    const platform::Size size = co_await track.loadNaturalSize();
+    const Platform::Size size = co_await track.loadNaturalSize();
     const QString lowerCasedName = QFileInfo(track.assetPath()).fileName().toLower();
     const InterlacingVerdict verdict = interlacingHeuristic(
         lowerCasedName.toStdString(), framesPerSecond, size.width, size.height);
@@ -124,15 +125,15 @@ void InterlacingDetector::printKeyVerdict(const InterlacingVerdict& verdict)
         verdict.isInterlaced ? QStringLiteral("interlaced") : QStringLiteral("progressive");
     switch (verdict.step) {
     case InterlacingStep::isInterlacedKey:
-        platform::Console::print(QStringLiteral("✅ Found explicit interlaced flag: ") +
+        Platform::Console::print(QStringLiteral("✅ Found explicit interlaced flag: ") +
                                  word(verdict.isInterlaced));
         return;
     case InterlacingStep::cvFieldCountKey:
-        platform::Console::print(
+        Platform::Console::print(
             QStringLiteral("✅ CVFieldCount: %1 → %2").arg(verdict.keyValue).arg(outcome));
         return;
     case InterlacingStep::fieldCountKey:
-        platform::Console::print(
+        Platform::Console::print(
             QStringLiteral("✅ FieldCount: %1 → %2").arg(verdict.keyValue).arg(outcome));
         return;
     default:
@@ -145,15 +146,15 @@ void InterlacingDetector::printHeuristicVerdict(const InterlacingVerdict& verdic
 {
     switch (verdict.step) {
     case InterlacingStep::fileName:
-        platform::Console::print(QStringLiteral("🎯 Filename explicitly indicates interlaced: ") +
+        Platform::Console::print(QStringLiteral("🎯 Filename explicitly indicates interlaced: ") +
                                  lowerCasedName);
         return;
     case InterlacingStep::standardDefinition:
-        platform::Console::print(
+        Platform::Console::print(
             QStringLiteral("🎯 Detected SD interlaced content (legacy heuristic)"));
         return;
     case InterlacingStep::digitalVideo:
-        platform::Console::print(QStringLiteral("🎯 Detected DV interlaced content"));
+        Platform::Console::print(QStringLiteral("🎯 Detected DV interlaced content"));
         return;
     default:
         return;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decides whether a video track is interlaced and which field it shows first: the format
 // description's field keys when it has them, else guesses from the file name, the picture size
 // and the frame rate. Each decision prints one console line saying what decided it. The
@@ -22,23 +23,23 @@ public:
 
     // The keys as the rules read them: "IsInterlaced" only as a boolean, the three counts and
     // details only as integers; a key held as any other type (text, a fraction) counts as absent.
-    static FieldKeys fieldKeys(const platform::SettingsDictionary& extensions);
+    static FieldKeys fieldKeys(const Platform::SettingsDictionary& extensions);
 
     // The keys in their order, then the heuristic; the verdict says which step answered.
     static QCoro::Task<InterlacingVerdict>
-    detectInterlacing(platform::AssetTrack track, platform::FormatDescription description);
+    detectInterlacing(Platform::AssetTrack track, Platform::FormatDescription description);
 
     // "FieldDetail", then "FieldCount", then a run of detectInterlacing, which therefore may run
     // (and print) a second time for the same track.
     static QCoro::Task<FieldDominanceVerdict>
-    detectFieldDominance(platform::AssetTrack track, platform::FormatDescription description);
+    detectFieldDominance(Platform::AssetTrack track, Platform::FormatDescription description);
 
     // The engine's field order for core's, case by case.
     static FieldDominance fieldDominance(FieldDominanceKind kind);
     static FieldDominanceKind fieldDominanceKind(FieldDominance dominance);
 
 private:
-    static QCoro::Task<InterlacingVerdict> runHeuristic(platform::AssetTrack track);
+    static QCoro::Task<InterlacingVerdict> runHeuristic(Platform::AssetTrack track);
     static void printKeyVerdict(const InterlacingVerdict& verdict);
     static void printHeuristicVerdict(const InterlacingVerdict& verdict,
                                       const QString& lowerCasedName);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/inspection/MediaFile.h"
 
 #include "ConversionEngine/core/MediaExtensionTable.h"
@@ -44,7 +45,7 @@ MediaFile MediaFile::fromUrl(const QUrl& url)
     const QString path = url.toLocalFile();
     file.name = QFileInfo(QDir::cleanPath(path)).fileName();
     file.fileExtension = extensionOf(file.name);
-    const qint64 size = platform::FileAttributes::fileSize(path);
+    const qint64 size = Platform::FileAttributes::fileSize(path);
     if (size < 1)
         throw MediaFileError::emptyFile();
     file.fileSize = size;
@@ -61,12 +62,12 @@ QCoro::Task<MediaFile> MediaFile::analyze(MediaFile file)
 
 QCoro::Task<MediaFileAnalysis> MediaFile::analyzeInDetail(MediaFile file)
 {
-    const platform::Asset asset(file.url.toLocalFile());
-    const platform::MediaTime duration = co_await asset.loadDuration();
-    const std::vector<platform::AssetTrack> videoTracks =
-        co_await asset.loadTracks(platform::MediaType::video);
-    const std::vector<platform::AssetTrack> audioTracks =
-        co_await asset.loadTracks(platform::MediaType::audio);
+    const Platform::Asset asset(file.url.toLocalFile());
+    const Platform::MediaTime duration = co_await asset.loadDuration();
+    const std::vector<Platform::AssetTrack> videoTracks =
+        co_await asset.loadTracks(Platform::MediaType::video);
+    const std::vector<Platform::AssetTrack> audioTracks =
+        co_await asset.loadTracks(Platform::MediaType::audio);
 
     MediaFileAnalysis analysis;
     MediaFile& result = analysis.file;

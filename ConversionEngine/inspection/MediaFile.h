@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The engine's description of one media file. Construction looks only at the file system and the
 // extension; the asynchronous analysis opens the file and adds its duration and its tracks.
 // Construction may run on any thread; the analysis runs on the main thread and suspends while

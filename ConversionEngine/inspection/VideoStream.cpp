@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/inspection/VideoStream.h"
 
 #include "ConversionEngine/core/CodecNames.h"
@@ -8,19 +9,19 @@
 
 namespace ConversionEngine {
 
-QCoro::Task<VideoStream> VideoStream::fromTrack(platform::AssetTrack track, int index)
+QCoro::Task<VideoStream> VideoStream::fromTrack(Platform::AssetTrack track, int index)
 {
     const VideoStreamAnalysis analysis = co_await analyzeTrack(std::move(track), index);
     co_return analysis.stream;
 }
 
-QCoro::Task<VideoStreamAnalysis> VideoStream::analyzeTrack(platform::AssetTrack track, int index)
+QCoro::Task<VideoStreamAnalysis> VideoStream::analyzeTrack(Platform::AssetTrack track, int index)
 {
-    const std::vector<platform::FormatDescription> descriptions =
+    const std::vector<Platform::FormatDescription> descriptions =
         co_await track.loadFormatDescriptions();
     if (descriptions.empty())
         throw MediaFileError::invalidVideoTrack();
-    const platform::FormatDescription description = descriptions.front();
+    const Platform::FormatDescription description = descriptions.front();
 
     VideoStreamAnalysis analysis;
     VideoStream& stream = analysis.stream;
@@ -28,7 +29,7 @@ QCoro::Task<VideoStreamAnalysis> VideoStream::analyzeTrack(platform::AssetTrack 
     stream.index = index;
     const std::string_view codec = videoCodecName(description.mediaSubType);
     stream.codec = QString::fromUtf8(codec.data(), qsizetype(codec.size()));
-    const platform::Size size = co_await track.loadNaturalSize();
+    const Platform::Size size = co_await track.loadNaturalSize();
     stream.resolution = QSizeF(size.width, size.height);
     // Each load into a named value of its own: a co_await inside a larger expression is where
     // GCC 12 has been seen to mishandle temporaries.

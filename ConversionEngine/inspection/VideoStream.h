@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One video track of an inspected file: its place among the video tracks, codec, size, rate,
 // data rate, whether it is interlaced and which field comes first. Read from a track by an
 // asynchronous load on the main thread; the record itself is a plain value for any thread.
@@ -36,9 +37,9 @@ struct VideoStream
 
     // The track's first format description (invalidVideoTrack without one), then its size,
     // rates and interlacing. The media layer's errors pass through unchanged.
-    static QCoro::Task<VideoStream> fromTrack(platform::AssetTrack track, int index);
+    static QCoro::Task<VideoStream> fromTrack(Platform::AssetTrack track, int index);
     // The same, with what decided the interlacing and the field order.
-    static QCoro::Task<VideoStreamAnalysis> analyzeTrack(platform::AssetTrack track, int index);
+    static QCoro::Task<VideoStreamAnalysis> analyzeTrack(Platform::AssetTrack track, int index);
 
     friend bool operator==(const VideoStream&, const VideoStream&) = default;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 
 #include "ConversionEngine/audio/AudioOutputSettings.h"
@@ -19,9 +20,9 @@ namespace ConversionEngine {
 
 namespace {
 
-platform::MediaError analysisError(int code, const QString& text)
+Platform::MediaError analysisError(int code, const QString& text)
 {
-    return platform::MediaError(IntegratedLoudnessAnalyzer::errorDomain, code, text);
+    return Platform::MediaError(IntegratedLoudnessAnalyzer::errorDomain, code, text);
 }
 
 // What the worker hands back: the result, or the exception to rethrow on the caller's thread
@@ -61,21 +62,21 @@ IntegratedLoudnessAnalyzer::analyze(QString url) const
 
 IntegratedLoudnessAnalyzer::Result IntegratedLoudnessAnalyzer::analyzeBlocking(const QString& url)
 {
-    const platform::Asset asset(url);
-    const std::vector<platform::AssetTrack> tracks = asset.tracks(platform::MediaType::audio);
+    const Platform::Asset asset(url);
+    const std::vector<Platform::AssetTrack> tracks = asset.tracks(Platform::MediaType::audio);
     if (tracks.empty())
         throw analysisError(noAudioTrack, QStringLiteral("No audio track found"));
-    const platform::AssetTrack& track = tracks.front();
+    const Platform::AssetTrack& track = tracks.front();
 
-    platform::AssetReader reader(asset);
-    auto output = std::make_shared<platform::AssetReaderTrackOutput>(
+    Platform::AssetReader reader(asset);
+    auto output = std::make_shared<Platform::AssetReaderTrackOutput>(
         track, AudioOutputSettings::decodeSettings());
     output->setAlwaysCopiesSampleData(false);
     if (!reader.canAdd(*output))
         throw analysisError(cannotAddReaderOutput, QStringLiteral("Cannot add reader output"));
     reader.add(output);
     if (!reader.startReading()) {
-        if (const std::optional<platform::MediaError> error = reader.error())
+        if (const std::optional<Platform::MediaError> error = reader.error())
             throw *error;
         throw analysisError(cannotStartReading, QStringLiteral("Failed to start reading"));
     }
@@ -83,8 +84,8 @@ IntegratedLoudnessAnalyzer::Result IntegratedLoudnessAnalyzer::analyzeBlocking(c
     const StreamLayout layout = layoutFor(track.formatDescriptions());
     LoudnessAccumulator accumulator(layout.channelCount, layout.sampleRate);
     // How reading ended is not examined: a pass cut short measures what it read.
-    while (reader.status() == platform::AssetReader::Status::reading) {
-        const std::shared_ptr<platform::SampleBuffer> buffer = output->copyNextSampleBuffer();
+    while (reader.status() == Platform::AssetReader::Status::reading) {
+        const std::shared_ptr<Platform::SampleBuffer> buffer = output->copyNextSampleBuffer();
         if (!buffer)
             break;
         const std::size_t byteCount = buffer->byteSize();
@@ -97,9 +98,9 @@ IntegratedLoudnessAnalyzer::Result IntegratedLoudnessAnalyzer::analyzeBlocking(c
 }
 
 IntegratedLoudnessAnalyzer::StreamLayout
-IntegratedLoudnessAnalyzer::layoutFor(const std::vector<platform::FormatDescription>& descriptions)
+IntegratedLoudnessAnalyzer::layoutFor(const std::vector<Platform::FormatDescription>& descriptions)
 {
-    for (const platform::FormatDescription& description : descriptions) {
+    for (const Platform::FormatDescription& description : descriptions) {
         if (description.streamBasicDescription) {
             StreamLayout layout;
             layout.sampleRate = description.streamBasicDescription->sampleRate;

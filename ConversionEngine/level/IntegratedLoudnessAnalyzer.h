@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures one file's integrated loudness in one pass of its own: opens the file, decodes the
 // first audio track, weights, blocks and gates it. analyze() may be called from any thread with
 // an event loop; the pass itself runs as one task on the global thread pool, and nothing is kept
@@ -37,14 +38,14 @@ public:
 
     IntegratedLoudnessAnalyzer() = default;
 
-    // Suspends the caller while the pass runs off its thread. Throws platform::MediaError.
+    // Suspends the caller while the pass runs off its thread. Throws Platform::MediaError.
     QCoro::Task<Result> analyze(QString url) const;
 
     // The whole pass on the calling thread, which it blocks.
     static Result analyzeBlocking(const QString& url);
 
     // The first description that has a stream layout decides; with none, stereo at 48000 Hz.
-    static StreamLayout layoutFor(const std::vector<platform::FormatDescription>& descriptions);
+    static StreamLayout layoutFor(const std::vector<Platform::FormatDescription>& descriptions);
 };
 
 } // namespace ConversionEngine

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/level/PeakLevelPass.h"
 
 #include "ConversionEngine/audio/AudioOutputSettings.h"
@@ -14,20 +15,20 @@ namespace ConversionEngine {
 
 QCoro::Task<PeakLevel> PeakLevelPass::measurePeakLevel(QString url)
 {
-    const platform::Asset asset(url);
-    const std::vector<platform::AssetTrack> tracks =
-        co_await asset.loadTracks(platform::MediaType::audio);
+    const Platform::Asset asset(url);
+    const std::vector<Platform::AssetTrack> tracks =
+        co_await asset.loadTracks(Platform::MediaType::audio);
     if (tracks.empty())
         throw ConversionError::invalidFileStructure(
             QStringLiteral("No audio track found for dBFS analysis"));
     co_return measureTrack(asset, tracks.front());
 }
 
-PeakLevel PeakLevelPass::measureTrack(const platform::Asset& asset,
-                                      const platform::AssetTrack& track)
+PeakLevel PeakLevelPass::measureTrack(const Platform::Asset& asset,
+                                      const Platform::AssetTrack& track)
 {
-    platform::AssetReader reader(asset);
-    auto output = std::make_shared<platform::AssetReaderTrackOutput>(
+    Platform::AssetReader reader(asset);
+    auto output = std::make_shared<Platform::AssetReaderTrackOutput>(
         track, AudioOutputSettings::decodeSettings());
     output->setAlwaysCopiesSampleData(false);
     if (!reader.canAdd(*output))
@@ -40,8 +41,8 @@ PeakLevel PeakLevelPass::measureTrack(const platform::Asset& asset,
 
     PeakMeter meter;
     // How reading ended is not examined: a pass cut short reports the peak so far.
-    while (reader.status() == platform::AssetReader::Status::reading) {
-        const std::shared_ptr<platform::SampleBuffer> buffer = output->copyNextSampleBuffer();
+    while (reader.status() == Platform::AssetReader::Status::reading) {
+        const std::shared_ptr<Platform::SampleBuffer> buffer = output->copyNextSampleBuffer();
         if (!buffer)
             break;
         const std::size_t byteCount = buffer->byteSize();

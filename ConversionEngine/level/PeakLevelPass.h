@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The analysis pass of a peak target: opens the file itself, decodes its first audio track and
 // returns the largest sample magnitude over all channels, linear and in dB. Main thread only:
 // after the asynchronous track load the pass runs to its end on the caller's thread.
@@ -8,10 +9,10 @@
 #include <QCoro/QCoroTask>
 #include <QString>
 
-namespace platform {
+namespace Platform {
 class Asset;
 class AssetTrack;
-} // namespace platform
+} // namespace Platform
 
 namespace ConversionEngine {
 
@@ -25,7 +26,7 @@ public:
     static QCoro::Task<PeakLevel> measurePeakLevel(QString url);
 
     // The reading half, synchronous, for a track of `asset`.
-    static PeakLevel measureTrack(const platform::Asset& asset, const platform::AssetTrack& track);
+    static PeakLevel measureTrack(const Platform::Asset& asset, const Platform::AssetTrack& track);
 };
 
 } // namespace ConversionEngine

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
 
 #include "ConversionEngine/progress/ProgressClock.h"
@@ -20,7 +21,7 @@ MemoryManager::MemoryManager(int maxBufferPoolSize, int maxActiveBuffers, QObjec
     : QObject(parent)
     , m_maxBufferPoolSize(maxBufferPoolSize)
     , m_maxActiveBuffers(maxActiveBuffers)
-    , m_memorySource(new platform::MemoryPressureSource(this))
+    , m_memorySource(new Platform::MemoryPressureSource(this))
 {
     setupMemoryMonitoring();
     qCInfo(memoryManagerLog, "MemoryManager initialized with pool size: %ld",
@@ -93,7 +94,7 @@ void MemoryManager::setupMemoryMonitoring()
 {
     // Every change of pressure counts, the return to normal included; the handler runs on a later
     // turn of the main loop and only while the manager lives.
-    connect(m_memorySource, &platform::MemoryPressureSource::pressureChanged, this,
+    connect(m_memorySource, &Platform::MemoryPressureSource::pressureChanged, this,
             &MemoryManager::handleMemoryPressure, Qt::QueuedConnection);
     m_memorySource->resume();
 

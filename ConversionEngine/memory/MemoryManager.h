@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The engine's bookkeeping of sample buffers: a pool of idle buffers, the set in use, an estimate
 // of their memory, a pressure flag from the system's memory-pressure source, and the throttle
 // decision built on them. It measures nothing itself. Main thread only (the streaming loop reads
@@ -15,10 +16,10 @@
 
 class QTimer;
 
-namespace platform {
+namespace Platform {
 class MemoryPressureSource;
 class SampleBuffer;
-} // namespace platform
+} // namespace Platform
 
 namespace ConversionEngine {
 
@@ -32,7 +33,7 @@ class MemoryManager : public QObject
         bool isMemoryPressureHigh READ isMemoryPressureHigh NOTIFY isMemoryPressureHighChanged)
 
 public:
-    using Buffer = std::shared_ptr<platform::SampleBuffer>;
+    using Buffer = std::shared_ptr<Platform::SampleBuffer>;
 
     // Every buffer is counted as this many bytes, whatever it really holds.
     static constexpr std::int64_t bytesPerBuffer = 4096;
@@ -65,7 +66,7 @@ public:
     bool shouldThrottleProcessing() const;
 
     // The system's pressure events arrive through this source; tests feed stalls into it.
-    platform::MemoryPressureSource* memorySource() const { return m_memorySource; }
+    Platform::MemoryPressureSource* memorySource() const { return m_memorySource; }
     // The monitoring timer, or null once cleanup has run.
     const QTimer* memoryMonitorTimer() const { return m_memoryMonitorTimer; }
     // The timer's target. Public so that tests can stand in for the timer.
@@ -93,11 +94,11 @@ private:
     bool m_isMemoryPressureHigh = false;
     std::deque<Buffer> m_bufferPool;
     // By identity only: a buffer in use is kept alive by its user, not by this set.
-    std::unordered_set<const platform::SampleBuffer*> m_activeBuffers;
+    std::unordered_set<const Platform::SampleBuffer*> m_activeBuffers;
     int m_maxBufferPoolSize;
     int m_maxActiveBuffers;
     QTimer* m_memoryMonitorTimer = nullptr;
-    platform::MemoryPressureSource* m_memorySource = nullptr;
+    Platform::MemoryPressureSource* m_memorySource = nullptr;
 };
 
 } // namespace ConversionEngine

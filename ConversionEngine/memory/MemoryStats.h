@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A snapshot of the engine's buffer bookkeeping, as MemoryManager reports it and the batch window
 // shows it. A plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A pull loop over a reader output that honours the memory manager's throttle: each sample buffer
 // is counted as in use while the caller's processor works on it. The conversion paths hold one
 // but run their own pumps. Main thread: the loop runs as a task there and suspends while it waits.

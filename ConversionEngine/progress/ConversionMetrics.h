@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The record of one tracker's conversions: times, counters, rate and outcome. Kept inside
 // EnhancedProgressTracker and carried over when a tracker is started again. A plain value;
 // the computed figures read the progress clock, so they belong to the main thread.

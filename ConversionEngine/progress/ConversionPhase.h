@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The steps a conversion goes through, in the order they are declared. The raw value is also
 // the text the progress views show for the step. Plain value; any thread.
 #pragma once

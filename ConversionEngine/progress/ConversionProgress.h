@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One progress report of a conversion: the fraction done, the status text and the phase.
 // Plain value; any thread.
 #pragma once

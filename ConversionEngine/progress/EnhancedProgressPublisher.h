@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Combines several progress trackers into one weighted fraction, one status text and two flags.
 // A building block of the engine's interface; the conversion flow itself watches one tracker at a
 // time. Main thread only; the trackers' changes reach it through queued deliveries.

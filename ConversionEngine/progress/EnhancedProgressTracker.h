@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The observable state of one running conversion (or of a whole run): a cleaned fraction, a status
 // text, the phase, a pulsing heartbeat, a reassurance when progress stalls, and a metrics record.
 // It decides nothing about the conversion, except that a cancellation asked of it ends the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A clock that only moves when told to, for tests of the progress and memory models: while one
 // lives it is the current ProgressClock, and delayed calls run when advance() passes their time.
 // Main thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/AssetWriterConversion.h"
 
 #include "ConversionEngine/core/ReadingArrangement.h"
@@ -32,8 +33,8 @@ namespace ConversionEngine {
 
 namespace {
 
-using platform::Console;
-namespace Key = platform::SettingsKey;
+using Platform::Console;
+namespace Key = Platform::SettingsKey;
 
 // Suspends the conversion until the continuation handed to `body` is called. The continuation
 // resumes on a later turn of the main loop, so reports already queued there arrive first.
@@ -44,18 +45,18 @@ struct PumpSuspension
     bool await_ready() const noexcept { return false; }
     void await_suspend(std::coroutine_handle<> handle)
     {
-        body([handle] { platform::MainQueue::async([handle] { handle.resume(); }); });
+        body([handle] { Platform::MainQueue::async([handle] { handle.resume(); }); });
     }
     void await_resume() const noexcept {}
 };
 
-using NextSample = std::function<std::shared_ptr<platform::SampleBuffer>()>;
+using NextSample = std::function<std::shared_ptr<Platform::SampleBuffer>()>;
 
 class MediaVideoEndpoints : public VideoSamplePump::Endpoints
 {
 public:
-    MediaVideoEndpoints(NextSample next, platform::AssetWriterInput input,
-                        std::shared_ptr<platform::AssetWriterInputPixelBufferAdaptor> adaptor)
+    MediaVideoEndpoints(NextSample next, Platform::AssetWriterInput input,
+                        std::shared_ptr<Platform::AssetWriterInputPixelBufferAdaptor> adaptor)
         : m_next(std::move(next))
         , m_input(std::move(input))
         , m_adaptor(std::move(adaptor))
@@ -64,7 +65,7 @@ public:
     bool isReadyForMoreMediaData() override { return m_input.isReadyForMoreMediaData(); }
     std::optional<VideoPumpSample> copyNextSampleBuffer() override
     {
-        std::shared_ptr<platform::SampleBuffer> buffer = m_next();
+        std::shared_ptr<Platform::SampleBuffer> buffer = m_next();
         if (!buffer)
             return std::nullopt;
         VideoPumpSample sample;
@@ -75,57 +76,57 @@ public:
     }
     bool append(const VideoPumpSample& sample) override
     {
-        return m_input.append(std::static_pointer_cast<platform::SampleBuffer>(sample.buffer));
+        return m_input.append(std::static_pointer_cast<Platform::SampleBuffer>(sample.buffer));
     }
-    bool appendPicture(const std::shared_ptr<void>& imageBuffer, platform::MediaTime time) override
+    bool appendPicture(const std::shared_ptr<void>& imageBuffer, Platform::MediaTime time) override
     {
         return m_adaptor && m_adaptor->append(
-                                std::static_pointer_cast<platform::PixelBuffer>(imageBuffer), time);
+                                std::static_pointer_cast<Platform::PixelBuffer>(imageBuffer), time);
     }
     void markAsFinished() override { m_input.markAsFinished(); }
 
 private:
     NextSample m_next;
-    platform::AssetWriterInput m_input;
-    std::shared_ptr<platform::AssetWriterInputPixelBufferAdaptor> m_adaptor;
+    Platform::AssetWriterInput m_input;
+    std::shared_ptr<Platform::AssetWriterInputPixelBufferAdaptor> m_adaptor;
 };
 
 class MediaAudioEndpoints : public VideoAudioPump::Endpoints
 {
 public:
-    MediaAudioEndpoints(std::shared_ptr<platform::AssetReaderTrackOutput> output,
-                        platform::AssetWriterInput input)
+    MediaAudioEndpoints(std::shared_ptr<Platform::AssetReaderTrackOutput> output,
+                        Platform::AssetWriterInput input)
         : m_output(std::move(output))
         , m_input(std::move(input))
     {}
 
-    std::shared_ptr<platform::SampleBuffer> copyNextSampleBuffer() override
+    std::shared_ptr<Platform::SampleBuffer> copyNextSampleBuffer() override
     {
         return m_output->copyNextSampleBuffer();
     }
-    bool append(const std::shared_ptr<platform::SampleBuffer>& sample) override
+    bool append(const std::shared_ptr<Platform::SampleBuffer>& sample) override
     {
         return m_input.append(sample);
     }
     void markAsFinished() override { m_input.markAsFinished(); }
 
 private:
-    std::shared_ptr<platform::AssetReaderTrackOutput> m_output;
-    platform::AssetWriterInput m_input;
+    std::shared_ptr<Platform::AssetReaderTrackOutput> m_output;
+    Platform::AssetWriterInput m_input;
 };
 
-double secondsOf(const platform::MediaTime& time)
+double secondsOf(const Platform::MediaTime& time)
 {
     return time.isValid ? time.seconds() : std::numeric_limits<double>::quiet_NaN();
 }
 
-platform::SettingsDictionary bgraSettings()
+Platform::SettingsDictionary bgraSettings()
 {
     return {
-        {Key::pixelFormatType, QVariant::fromValue(quint32(platform::PixelFormatType::bgra32))}};
+        {Key::pixelFormatType, QVariant::fromValue(quint32(Platform::PixelFormatType::bgra32))}};
 }
 
-std::optional<QString> textOf(const platform::SettingsDictionary& extensions, const QString& key)
+std::optional<QString> textOf(const Platform::SettingsDictionary& extensions, const QString& key)
 {
     if (!extensions.contains(key))
         return std::nullopt;
@@ -134,25 +135,25 @@ std::optional<QString> textOf(const platform::SettingsDictionary& extensions, co
 
 struct AudioSide
 {
-    std::optional<platform::AssetTrack> track;
-    std::optional<platform::AssetWriterInput> input;
+    std::optional<Platform::AssetTrack> track;
+    std::optional<Platform::AssetWriterInput> input;
     VideoAudioSettings settings;
 };
 
-platform::SettingsDictionary audioWriterSettings(const VideoAudioSettings& audio)
+Platform::SettingsDictionary audioWriterSettings(const VideoAudioSettings& audio)
 {
     return {
-        {Key::formatId, QVariant::fromValue(quint32(platform::AudioFormatId::mpeg4AAC))},
+        {Key::formatId, QVariant::fromValue(quint32(Platform::AudioFormatId::mpeg4AAC))},
         {Key::sampleRate, audio.sampleRateHertz},
         {Key::numberOfChannels, int(audio.channels)},
         {Key::encoderBitRate, int(audio.bitRateBitsPerSecond())},
     };
 }
 
-platform::SettingsDictionary audioReaderSettings(const VideoAudioSettings& audio)
+Platform::SettingsDictionary audioReaderSettings(const VideoAudioSettings& audio)
 {
     return {
-        {Key::formatId, QVariant::fromValue(quint32(platform::AudioFormatId::linearPCM))},
+        {Key::formatId, QVariant::fromValue(quint32(Platform::AudioFormatId::linearPCM))},
         {Key::linearPCMBitDepth, VideoAudioSettings::pcmBitDepth},
         {Key::linearPCMIsBigEndian, false},
         {Key::linearPCMIsFloat, false},
@@ -162,18 +163,18 @@ platform::SettingsDictionary audioReaderSettings(const VideoAudioSettings& audio
     };
 }
 
-QCoro::Task<AudioSide> setUpAudioInput(const platform::Asset& asset, platform::AssetWriter& writer)
+QCoro::Task<AudioSide> setUpAudioInput(const Platform::Asset& asset, Platform::AssetWriter& writer)
 {
     AudioSide side;
-    const std::vector<platform::AssetTrack> tracks =
-        co_await asset.loadTracks(platform::MediaType::audio);
+    const std::vector<Platform::AssetTrack> tracks =
+        co_await asset.loadTracks(Platform::MediaType::audio);
     if (tracks.empty())
         co_return side;
     side.track = tracks.front();
-    const std::vector<platform::FormatDescription> descriptions =
+    const std::vector<Platform::FormatDescription> descriptions =
         co_await side.track->loadFormatDescriptions();
     if (!descriptions.empty() && descriptions.front().streamBasicDescription) {
-        const platform::StreamBasicDescription& source =
+        const Platform::StreamBasicDescription& source =
             *descriptions.front().streamBasicDescription;
         side.settings =
             videoAudioSettings(std::int64_t(source.channelsPerFrame), source.sampleRate);
@@ -184,7 +185,7 @@ QCoro::Task<AudioSide> setUpAudioInput(const platform::Asset& asset, platform::A
                            .arg(side.settings.channels)
                            .arg(qint64(side.settings.sampleRateHertz)));
     }
-    platform::AssetWriterInput input(platform::MediaType::audio,
+    Platform::AssetWriterInput input(Platform::MediaType::audio,
                                      audioWriterSettings(side.settings));
     input.setExpectsMediaDataInRealTime(false);
     // A refusal goes unreported; the input stands as the audio input all the same.
@@ -194,52 +195,52 @@ QCoro::Task<AudioSide> setUpAudioInput(const platform::Asset& asset, platform::A
     co_return side;
 }
 
-QCoro::Task<VideoSourceFacts> sourceFacts(const platform::AssetTrack& track,
-                                          std::optional<platform::FormatDescription>& description)
+QCoro::Task<VideoSourceFacts> sourceFacts(const Platform::AssetTrack& track,
+                                          std::optional<Platform::FormatDescription>& description)
 {
     VideoSourceFacts facts;
-    const std::vector<platform::FormatDescription> descriptions =
+    const std::vector<Platform::FormatDescription> descriptions =
         co_await track.loadFormatDescriptions();
     if (!descriptions.empty()) {
         description = descriptions.front();
         facts.codedSize = VideoSize{description->width, description->height};
-        namespace Extension = platform::FormatDescriptionExtension;
+        namespace Extension = Platform::FormatDescriptionExtension;
         facts.colorPrimaries = textOf(description->extensions, Extension::colorPrimaries);
         facts.transferFunction = textOf(description->extensions, Extension::transferFunction);
         facts.yCbCrMatrix = textOf(description->extensions, Extension::yCbCrMatrix);
     } else {
-        const platform::Size natural = co_await track.loadNaturalSize();
+        const Platform::Size natural = co_await track.loadNaturalSize();
         facts.naturalSize = VideoSize{int(natural.width), int(natural.height)};
     }
     co_return facts;
 }
 
-QCoro::Task<std::shared_ptr<platform::AssetReaderVideoCompositionOutput>>
-compositionOutput(const platform::Asset& asset, const platform::AssetTrack& track,
+QCoro::Task<std::shared_ptr<Platform::AssetReaderVideoCompositionOutput>>
+compositionOutput(const Platform::Asset& asset, const Platform::AssetTrack& track,
                   const VideoConversionSettings& settings, double width, double height)
 {
-    const platform::Size natural = co_await track.loadNaturalSize();
-    const platform::AffineTransform preferred = co_await track.loadPreferredTransform();
-    platform::VideoComposition composition;
-    composition.renderSize = platform::Size{width, height};
+    const Platform::Size natural = co_await track.loadNaturalSize();
+    const Platform::AffineTransform preferred = co_await track.loadPreferredTransform();
+    Platform::VideoComposition composition;
+    composition.renderSize = Platform::Size{width, height};
     composition.frameDuration = frameDuration(settings.frameRate);
-    platform::VideoCompositionInstruction instruction;
+    Platform::VideoCompositionInstruction instruction;
     instruction.timeRange =
-        platform::MediaTimeRange{platform::MediaTime::zero(), co_await asset.loadDuration()};
+        Platform::MediaTimeRange{Platform::MediaTime::zero(), co_await asset.loadDuration()};
     const double scale =
         fitScale(VideoSize{int(width), int(height)}, natural.width, natural.height);
-    platform::VideoCompositionLayerInstruction layer(track);
+    Platform::VideoCompositionLayerInstruction layer(track);
     // No translation: the picture sits at the origin of the render area.
-    layer.setTransform(platform::AffineTransform::concat(
-                           preferred, platform::AffineTransform::makeScale(scale, scale)),
-                       platform::MediaTime::zero());
+    layer.setTransform(Platform::AffineTransform::concat(
+                           preferred, Platform::AffineTransform::makeScale(scale, scale)),
+                       Platform::MediaTime::zero());
     instruction.layerInstructions.push_back(layer);
     composition.instructions.push_back(instruction);
     Console::print(QStringLiteral("🎬 Video composition configured: %1×%2 @ %3")
                        .arg(VideoConsoleText::number(width), VideoConsoleText::number(height),
                             displayName(settings.frameRate)));
-    auto output = std::make_shared<platform::AssetReaderVideoCompositionOutput>(
-        co_await asset.loadTracks(platform::MediaType::video), bgraSettings());
+    auto output = std::make_shared<Platform::AssetReaderVideoCompositionOutput>(
+        co_await asset.loadTracks(Platform::MediaType::video), bgraSettings());
     output->setVideoComposition(std::move(composition));
     output->setAlwaysCopiesSampleData(false);
     co_return output;
@@ -247,7 +248,7 @@ compositionOutput(const platform::Asset& asset, const platform::AssetTrack& trac
 
 // The error of a reader or writer that gave up, mapped; `reason` when it has none. With a
 // prefix, the console hears of it first.
-[[noreturn]] void throwMapped(const std::optional<platform::MediaError>& error,
+[[noreturn]] void throwMapped(const std::optional<Platform::MediaError>& error,
                               const QString& reason,
                               const std::optional<QString>& consolePrefix = std::nullopt,
                               bool withCode = false)
@@ -265,33 +266,33 @@ compositionOutput(const platform::Asset& asset, const platform::AssetTrack& trac
 
 } // namespace
 
-QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platform::Asset asset,
+QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, Platform::Asset asset,
                                          QString inputURL, QString outputURL,
                                          VideoConversionSettings settings, std::int64_t crf)
 {
-    using platform::MediaType;
+    using Platform::MediaType;
     tracker->updateProgress(0.2, QStringLiteral("Setting up CRF conversion..."),
                             ConversionPhase::configuring);
-    if (platform::FileAttributes::fileExists(outputURL)) {
-        platform::FileAttributes::removeItem(outputURL);
+    if (Platform::FileAttributes::fileExists(outputURL)) {
+        Platform::FileAttributes::removeItem(outputURL);
         Console::print(QStringLiteral("🗑️ Removed existing output file"));
     }
-    auto writer = std::make_shared<platform::AssetWriter>(
+    auto writer = std::make_shared<Platform::AssetWriter>(
         outputURL, VideoOutputSettings::outputFileType(settings));
 
-    const std::vector<platform::AssetTrack> videoTracks =
+    const std::vector<Platform::AssetTrack> videoTracks =
         co_await asset.loadTracks(MediaType::video);
     if (videoTracks.empty())
         throw ConversionError::invalidFileStructure(QStringLiteral("No video track found"));
-    const platform::AssetTrack track = videoTracks.front();
-    std::optional<platform::FormatDescription> description;
+    const Platform::AssetTrack track = videoTracks.front();
+    std::optional<Platform::FormatDescription> description;
     const VideoSourceFacts facts = co_await sourceFacts(track, description);
     const VideoOutputSettingsResult video =
         VideoOutputSettings::build(facts, crf, settings.codec, settings.resolution);
 
     const bool useSourceRate = rawValue(settings.frameRate) == QStringLiteral("Source");
     const float nominalRate = co_await track.loadNominalFrameRate();
-    platform::AssetWriterInput videoInput(MediaType::video, video.settings, description);
+    Platform::AssetWriterInput videoInput(MediaType::video, video.settings, description);
     videoInput.setExpectsMediaDataInRealTime(false);
     // The rate the pictures will come at, so that the encoder shares the bit rate out right.
     videoInput.setExpectedFrameRate(useSourceRate ? double(nominalRate)
@@ -304,17 +305,17 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
 
     const ReadingArrangement arrangement =
         readingArrangement(useSourceRate, numericValue(settings.frameRate), double(nominalRate));
-    std::shared_ptr<platform::AssetWriterInputPixelBufferAdaptor> adaptor;
+    std::shared_ptr<Platform::AssetWriterInputPixelBufferAdaptor> adaptor;
     if (!useSourceRate) {
         Console::print(
             QStringLiteral("🎬 Frame rate conversion: %1 fps → %2")
                 .arg(VideoConsoleText::number(nominalRate), displayName(settings.frameRate)));
         if (arrangement == ReadingArrangement::upsampling) {
             Console::print(QStringLiteral("   Mode: UPSAMPLING (frame duplication)"));
-            platform::SettingsDictionary attributes = bgraSettings();
+            Platform::SettingsDictionary attributes = bgraSettings();
             attributes.set(Key::pixelBufferWidth, int(video.width));
             attributes.set(Key::pixelBufferHeight, int(video.height));
-            adaptor = std::make_shared<platform::AssetWriterInputPixelBufferAdaptor>(videoInput,
+            adaptor = std::make_shared<Platform::AssetWriterInputPixelBufferAdaptor>(videoInput,
                                                                                      attributes);
             Console::print(QStringLiteral("🎬 Created pixel buffer adaptor for upsampling"));
         } else {
@@ -332,24 +333,24 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
                     QStringLiteral("❌ Writer failed to start: "), false);
     Console::print(QStringLiteral("✅ Writer started successfully"));
 
-    auto reader = std::make_shared<platform::AssetReader>(asset);
+    auto reader = std::make_shared<Platform::AssetReader>(asset);
     NextSample nextVideoSample;
     if (arrangement == ReadingArrangement::downsampling) {
         Console::print(QStringLiteral("🎬 Using video composition for downsampling"));
-        std::shared_ptr<platform::AssetReaderVideoCompositionOutput> output =
+        std::shared_ptr<Platform::AssetReaderVideoCompositionOutput> output =
             co_await compositionOutput(asset, track, settings, video.width, video.height);
         reader->add(output);
         nextVideoSample = [output] { return output->copyNextSampleBuffer(); };
     } else {
-        auto output = std::make_shared<platform::AssetReaderTrackOutput>(track, bgraSettings());
+        auto output = std::make_shared<Platform::AssetReaderTrackOutput>(track, bgraSettings());
         output->setAlwaysCopiesSampleData(false);
         reader->add(output);
         nextVideoSample = [output] { return output->copyNextSampleBuffer(); };
     }
 
-    std::shared_ptr<platform::AssetReaderTrackOutput> audioOutput;
+    std::shared_ptr<Platform::AssetReaderTrackOutput> audioOutput;
     if (audio.track) {
-        audioOutput = std::make_shared<platform::AssetReaderTrackOutput>(
+        audioOutput = std::make_shared<Platform::AssetReaderTrackOutput>(
             *audio.track, audioReaderSettings(audio.settings));
         reader->add(audioOutput);
         Console::print(QStringLiteral("✅ Audio reader configured: %1Hz, %2 channels")
@@ -365,10 +366,10 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
     const double durationSeconds = secondsOf(co_await asset.loadDuration());
 
     Console::print(QStringLiteral("🔄 Starting session with first video sample..."));
-    const std::shared_ptr<platform::SampleBuffer> first = nextVideoSample();
+    const std::shared_ptr<Platform::SampleBuffer> first = nextVideoSample();
     if (!first)
         throw ConversionError::conversionFailed(QStringLiteral("No video samples available"));
-    const platform::MediaTime firstTime = first->presentationTime();
+    const Platform::MediaTime firstTime = first->presentationTime();
     writer->startSession(firstTime);
     // The session starts at the first sample, so a late first frame keeps its offset.
     const QString firstSeconds = VideoConsoleText::number(firstTime.seconds());
@@ -385,7 +386,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
         Console::print(
             QStringLiteral("🎬 Processing video sample #1 at PTS: %1s").arg(firstSeconds));
         if (!videoInput.append(first)) {
-            const std::optional<platform::MediaError> error = writer->error();
+            const std::optional<Platform::MediaError> error = writer->error();
             Console::print(QStringLiteral("❌ Failed to append first video sample"));
             Console::print(QStringLiteral("   Writer status: %1").arg(int(writer->status())));
             Console::print(
@@ -400,7 +401,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
     const double frameDurationSeconds = frameDuration(settings.frameRate).seconds();
 
     // Declared before the pumps so that it outlives every call of them.
-    platform::SerialQueue crfProcessingQueue(QStringLiteral("crfProcessingQueue"));
+    Platform::SerialQueue crfProcessingQueue(QStringLiteral("crfProcessingQueue"));
     std::shared_ptr<PumpFinish> finish;
     std::shared_ptr<VideoSamplePump> videoPump;
     std::shared_ptr<VideoAudioPump> audioPump;
@@ -411,7 +412,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
             writer->finishWriting(std::move(done));
         };
         finishParameters.writerCompleted = [writer] {
-            return writer->status() == platform::AssetWriter::Status::completed;
+            return writer->status() == Platform::AssetWriter::Status::completed;
         };
         finishParameters.tracker = weakTracker;
         finishParameters.resume = std::move(resume);
@@ -427,7 +428,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
         videoParameters.durationSeconds = durationSeconds;
         videoParameters.finished = [finish] { finish->finished(PumpFinish::Pump::video); };
         videoParameters.postProgress = [weakTracker](QString message, double fraction) {
-            platform::MainQueue::async([weakTracker, message, fraction] {
+            Platform::MainQueue::async([weakTracker, message, fraction] {
                 if (weakTracker)
                     weakTracker->updateProgress(fraction, message,
                                                 ConversionPhase::processingVideo);
@@ -461,7 +462,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, platf
     videoPump.reset();
     audioPump.reset();
 
-    if (writer->status() == platform::AssetWriter::Status::failed)
+    if (writer->status() == Platform::AssetWriter::Status::failed)
         throwMapped(writer->error(), QStringLiteral("CRF conversion failed"));
     VideoMetadataSteps::applyCreationDate(outputURL);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/PumpFinish.h"
 
 #include "platform/foundation/Console.h"
@@ -29,14 +30,14 @@ void PumpFinish::writerFinished(Pump lastPump)
 {
     const QPointer<EnhancedProgressTracker> tracker = m_parameters.tracker;
     const std::function<bool()> writerCompleted = m_parameters.writerCompleted;
-    platform::MainQueue::async([tracker, writerCompleted, lastPump] {
+    Platform::MainQueue::async([tracker, writerCompleted, lastPump] {
         const bool audioLast = lastPump == Pump::audio;
         if (writerCompleted && writerCompleted()) {
             if (tracker)
                 tracker->completeTracking(
                     audioLast ? QStringLiteral("✅ CRF conversion completed successfully!")
                               : QStringLiteral("✅ Conversion completed successfully!"));
-            platform::Console::print(audioLast ? QStringLiteral("✅ CRF conversion completed")
+            Platform::Console::print(audioLast ? QStringLiteral("✅ CRF conversion completed")
                                                : QStringLiteral("✅ Conversion completed"));
         } else if (tracker) {
             tracker->stopTracking(audioLast ? QStringLiteral("CRF conversion failed")

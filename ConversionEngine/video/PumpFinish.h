@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The end shared by the two pumps of a video conversion: each marks its own box on the completion
 // queue, and the one that finds the other's box set finishes the writer. When the writer is done, a
 // main-thread task reports the verdict to the tracker, and the waiting conversion resumes; the
@@ -50,7 +51,7 @@ private:
     void writerFinished(Pump lastPump);
 
     Parameters m_parameters;
-    platform::SerialQueue m_completionQueue;
+    Platform::SerialQueue m_completionQueue;
     bool m_videoCompleted = false;
     bool m_audioCompleted;
 };

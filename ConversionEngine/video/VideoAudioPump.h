@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio pump of a video conversion: one sample per call from the reader's 16-bit output to the
 // writer's AAC input, relying on the writer to call again while the input is ready, so video and
 // audio take turns on the one processing queue. It reports no progress.
@@ -21,8 +22,8 @@ public:
         virtual ~Endpoints() = default;
 
         // Null at the end of the stream or when reading failed.
-        virtual std::shared_ptr<platform::SampleBuffer> copyNextSampleBuffer() = 0;
-        virtual bool append(const std::shared_ptr<platform::SampleBuffer>& sample) = 0;
+        virtual std::shared_ptr<Platform::SampleBuffer> copyNextSampleBuffer() = 0;
+        virtual bool append(const std::shared_ptr<Platform::SampleBuffer>& sample) = 0;
         virtual void markAsFinished() = 0;
     };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How numbers appear in the video engine's console lines, the same under every C locale: seconds
 // and rates in their shortest exact form with at least one decimal ("2.0", "0.041666666666666664"),
 // and fixed decimals where a line asks for them. Any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/VideoConverter.h"
 
 #include "ConversionEngine/errors/ConversionError.h"
@@ -69,16 +70,16 @@ VideoConverter::VideoConverter(QObject* parent)
 
 VideoConverter::~VideoConverter()
 {
-    platform::NotificationCenter::defaultCenter().removeObserver(this);
+    Platform::NotificationCenter::defaultCenter().removeObserver(this);
 }
 
 void VideoConverter::observeMemoryPressure()
 {
     const QPointer<VideoConverter> weakSelf(this);
-    platform::NotificationCenter::defaultCenter().addObserver(
+    Platform::NotificationCenter::defaultCenter().addObserver(
         this, memoryPressureNotification, nullptr,
-        [weakSelf](const platform::NotificationCenter::Notification&) {
-            platform::MainQueue::async([weakSelf] {
+        [weakSelf](const Platform::NotificationCenter::Notification&) {
+            Platform::MainQueue::async([weakSelf] {
                 if (weakSelf)
                     weakSelf->cancelConversion();
             });
@@ -138,7 +139,7 @@ VideoConverter::convertVideo(QString inputURL, QString outputURL, VideoConversio
 
     EnhancedProgressTracker* const tracker = m_progressTracker;
     tracker->startTracking(ConversionPhase::initializing, [] {
-        platform::Console::print(QStringLiteral("⚠️ Video conversion cancellation requested"));
+        Platform::Console::print(QStringLiteral("⚠️ Video conversion cancellation requested"));
     });
     auto subscriptions = std::make_unique<Subscriptions>(this, tracker);
 
@@ -165,11 +166,11 @@ VideoConverter::convertVideo(QString inputURL, QString outputURL, VideoConversio
     try {
         tracker->updateProgress(0.05, QStringLiteral("Loading video file..."),
                                 ConversionPhase::loading);
-        const platform::Asset asset(inputURL);
+        const Platform::Asset asset(inputURL);
         tracker->updateProgress(0.1, QStringLiteral("Analyzing video properties..."),
                                 ConversionPhase::analyzing);
-        const std::vector<platform::AssetTrack> videoTracks =
-            co_await asset.loadTracks(platform::MediaType::video);
+        const std::vector<Platform::AssetTrack> videoTracks =
+            co_await asset.loadTracks(Platform::MediaType::video);
         if (videoTracks.empty()) {
             tracker->stopTracking(QStringLiteral("No video tracks found in input file"));
             throw ConversionError::invalidFileStructure(
@@ -183,11 +184,11 @@ VideoConverter::convertVideo(QString inputURL, QString outputURL, VideoConversio
         std::int64_t crf = defaultCrf;
         if (settings.qualityMode.kind == QualityMode::Kind::constant) {
             crf = settings.qualityMode.crf;
-            platform::Console::print(
+            Platform::Console::print(
                 QStringLiteral("🎯 Starting conversion with AVAssetWriter (CRF %1)").arg(crf));
         } else {
             // The bit rates of the other modes do not reach the encoder.
-            platform::Console::print(QStringLiteral(
+            Platform::Console::print(QStringLiteral(
                 "⚠️ Non-CRF mode requested - defaulting to AVAssetWriter with CRF 23"));
         }
         co_await convertWithAssetWriter(asset, inputURL, outputURL, settings, crf,
@@ -206,7 +207,7 @@ VideoConverter::convertVideo(QString inputURL, QString outputURL, VideoConversio
 }
 
 QCoro::Task<>
-VideoConverter::convertWithAssetWriter(platform::Asset asset, QString inputURL, QString outputURL,
+VideoConverter::convertWithAssetWriter(Platform::Asset asset, QString inputURL, QString outputURL,
                                        VideoConversionSettings settings, std::int64_t crf,
                                        std::optional<DeinterlacingSettings> deinterlacingSettings)
 {

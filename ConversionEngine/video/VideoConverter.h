@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video engine's entry: converts one input file into one video file, re-encoding the first
 // video track (at the source's timing, duplicated up to a faster rate, or composed down to a slower
 // or equal one) and the first audio track to AAC. It mirrors its tracker into its own observable
@@ -67,7 +68,7 @@ private:
     void finishRun(std::unique_ptr<Subscriptions>& subscriptions);
 
     QCoro::Task<>
-    convertWithAssetWriter(platform::Asset asset, QString inputURL, QString outputURL,
+    convertWithAssetWriter(Platform::Asset asset, QString inputURL, QString outputURL,
                            VideoConversionSettings settings, std::int64_t crf,
                            std::optional<DeinterlacingSettings> deinterlacingSettings);
 

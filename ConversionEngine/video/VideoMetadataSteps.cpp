@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/VideoMetadataSteps.h"
 
 namespace ConversionEngine {
 
-void VideoMetadataSteps::applyMetadataToWriter(platform::AssetWriter& writer,
+void VideoMetadataSteps::applyMetadataToWriter(Platform::AssetWriter& writer,
                                                const QString& inputURL, const QString& outputURL)
 {
     Q_UNUSED(writer);

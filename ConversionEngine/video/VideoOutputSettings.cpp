@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/VideoOutputSettings.h"
 
 #include "ConversionEngine/core/VideoFileKind.h"
@@ -9,8 +10,8 @@ namespace ConversionEngine {
 
 namespace {
 
-using platform::Console;
-namespace Key = platform::SettingsKey;
+using Platform::Console;
+namespace Key = Platform::SettingsKey;
 
 constexpr std::int64_t bitsPerMegabit = 1000000;
 
@@ -121,10 +122,10 @@ VideoSize VideoOutputSettings::outputSize(VideoSize source,
     return dimensions.size;
 }
 
-platform::SettingsDictionary
+Platform::SettingsDictionary
 VideoOutputSettings::compressionProperties(std::int64_t crf, VideoCodec codec, VideoSize size)
 {
-    platform::SettingsDictionary properties;
+    Platform::SettingsDictionary properties;
     switch (codec) {
     case VideoCodec::h264:
         properties.set(Key::videoAverageBitRate,
@@ -142,7 +143,7 @@ VideoOutputSettings::compressionProperties(std::int64_t crf, VideoCodec codec, V
     case VideoCodec::prores4444:
         properties.set(Key::videoQuality, VideoQualityCurve::proResQuality(crf));
         properties.set(Key::pixelFormatType,
-                       QVariant::fromValue(quint32(platform::PixelFormatType::yuva4444x16)));
+                       QVariant::fromValue(quint32(Platform::PixelFormatType::yuva4444x16)));
         break;
     }
     return properties;
@@ -201,7 +202,7 @@ std::int64_t VideoOutputSettings::bitrateForCRF(std::int64_t crf, double width, 
     return bitRate;
 }
 
-platform::FileType VideoOutputSettings::outputFileType(const VideoConversionSettings& settings)
+Platform::FileType VideoOutputSettings::outputFileType(const VideoConversionSettings& settings)
 {
     const VideoCodecKind codec = codecKind(settings.codec);
     if (isProRes(codec))
@@ -209,8 +210,8 @@ platform::FileType VideoOutputSettings::outputFileType(const VideoConversionSett
                            .arg(rawValue(settings.codec)));
     return videoFileKind(codec, containerKind(settings.outputFormat)) ==
                    VideoFileKind::quickTimeMovie
-               ? platform::FileType::quickTimeMovie
-               : platform::FileType::mpeg4;
+               ? Platform::FileType::quickTimeMovie
+               : Platform::FileType::mpeg4;
 }
 
 } // namespace ConversionEngine

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The writer's settings for the video of a conversion, from a few facts of the source track and the
 // chosen codec, size and CRF number, printing the reasoning to the console as it goes: the size,
 // the colour tags (reported only; the encoder decides), the bit rate or ProRes quality, and the
@@ -33,7 +34,7 @@ struct VideoSourceFacts
 
 struct VideoOutputSettingsResult
 {
-    platform::SettingsDictionary settings;
+    Platform::SettingsDictionary settings;
     double width = 0.0;
     double height = 0.0;
 };
@@ -53,12 +54,12 @@ public:
     // Bits per second for H.264 and HEVC; prints the curve's line.
     static std::int64_t bitrateForCRF(std::int64_t crf, double width, double height);
     // Prints a line when ProRes overrides the chosen format.
-    static platform::FileType outputFileType(const VideoConversionSettings& settings);
+    static Platform::FileType outputFileType(const VideoConversionSettings& settings);
 
 private:
     static VideoSize sourceSize(const VideoSourceFacts& source);
     static VideoSize outputSize(VideoSize source, std::optional<VideoResolution> resolution);
-    static platform::SettingsDictionary compressionProperties(std::int64_t crf, VideoCodec codec,
+    static Platform::SettingsDictionary compressionProperties(std::int64_t crf, VideoCodec codec,
                                                               VideoSize size);
 };
 

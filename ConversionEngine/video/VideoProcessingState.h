@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the video pump carries from one call to the next: the sample in hand, the picture the grid
 // repeats, the grid itself and the two counters. One per conversion, touched only on the queue
 // the pumps run on.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/video/VideoSamplePump.h"
 
 #include "ConversionEngine/core/VideoPumpProgress.h"
@@ -33,7 +34,7 @@ void VideoSamplePump::operator()()
             state.pendingSampleBuffer = std::move(sample);
             ++state.videoSampleCount;
             if (state.videoSampleCount <= announcedSamples)
-                platform::Console::print(QStringLiteral("🎬 Read video sample #%1 at PTS: %2s")
+                Platform::Console::print(QStringLiteral("🎬 Read video sample #%1 at PTS: %2s")
                                              .arg(state.videoSampleCount)
                                              .arg(VideoConsoleText::number(
                                                  state.pendingSampleBuffer->presentationSeconds)));
@@ -70,7 +71,7 @@ VideoSamplePump::Next VideoSamplePump::upsamplingBranch(double pts)
     VideoProcessingState& state = *m_parameters.state;
     const std::shared_ptr<void> imageBuffer = state.pendingSampleBuffer->imageBuffer;
     if (!imageBuffer) {
-        platform::Console::print(QStringLiteral("⚠️ Failed to get pixel buffer from sample #%1")
+        Platform::Console::print(QStringLiteral("⚠️ Failed to get pixel buffer from sample #%1")
                                      .arg(state.videoSampleCount));
         state.pendingSampleBuffer.reset();
         return Next::loop;
@@ -89,8 +90,8 @@ VideoSamplePump::Next VideoSamplePump::upsamplingBranch(double pts)
             return Next::stop;
         if (!state.lastPixelBuffer)
             break;
-        const platform::MediaTime time =
-            platform::MediaTime::make(state.grid.nextOutputTimeValue(), FrameGrid::timescale);
+        const Platform::MediaTime time =
+            Platform::MediaTime::make(state.grid.nextOutputTimeValue(), FrameGrid::timescale);
         if (!endpoints.appendPicture(state.lastPixelBuffer, time)) {
             fail(QStringLiteral("❌ Failed to append upsampled frame #%1")
                      .arg(state.outputFrameCount));
@@ -123,7 +124,7 @@ void VideoSamplePump::reportProgress(double pts)
 void VideoSamplePump::fail(const QString& line)
 {
     // No route back to the conversion: the input ends, and the finish never comes.
-    platform::Console::print(line);
+    Platform::Console::print(line);
     m_parameters.endpoints->markAsFinished();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video pump of a conversion: called whenever the writer's video input can take data, it moves
 // samples from the reader to the writer, and when upsampling repeats pictures onto a regular grid.
 // A full input may stop it anywhere; the state lets the next call go on where it stopped. It runs
@@ -31,7 +32,7 @@ public:
         virtual bool append(const VideoPumpSample& sample) = 0;
         // A picture at a time of the pump's choosing, through the pixel buffer adaptor.
         virtual bool appendPicture(const std::shared_ptr<void>& imageBuffer,
-                                   platform::MediaTime time) = 0;
+                                   Platform::MediaTime time) = 0;
         virtual void markAsFinished() = 0;
     };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bit rates of compressed audio output; the raw value is in bits per second. The three
 // membership tests say which rates suit which codec; no conversion consults them. Any thread.
 #pragma once

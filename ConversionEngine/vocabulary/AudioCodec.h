@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio codecs the audio engine is asked for. The first three raw values are lower case,
 // unlike the application's. Plain value; any thread.
 #pragma once

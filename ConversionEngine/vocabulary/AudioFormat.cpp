@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/vocabulary/AudioFormat.h"
 
 namespace ConversionEngine {
@@ -12,19 +13,19 @@ std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw)
     return audioFormatTable.fromRawValue(raw);
 }
 
-platform::FileType fileType(AudioFormat format)
+Platform::FileType fileType(AudioFormat format)
 {
     switch (format) {
     case AudioFormat::aiff:
-        return platform::FileType::aiff;
+        return Platform::FileType::aiff;
     case AudioFormat::wav:
-        return platform::FileType::wave;
+        return Platform::FileType::wave;
     case AudioFormat::m4a:
-        return platform::FileType::appleM4A;
+        return Platform::FileType::appleM4A;
     case AudioFormat::caf:
-        return platform::FileType::coreAudioFormat;
+        return Platform::FileType::coreAudioFormat;
     }
-    return platform::FileType::aiff;
+    return Platform::FileType::aiff;
 }
 
 bool isCompressed(AudioFormat format)

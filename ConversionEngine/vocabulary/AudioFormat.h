@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio containers the audio engine writes, with the writer's file type for each.
 // Plain value; any thread.
 #pragma once
@@ -25,7 +26,7 @@ enum class AudioFormat
 QString rawValue(AudioFormat format);
 // Exact, case-sensitive lookup: "caf" finds nothing, "CAF" finds caf.
 std::optional<AudioFormat> audioFormatFromRawValue(const QString& raw);
-platform::FileType fileType(AudioFormat format);
+Platform::FileType fileType(AudioFormat format);
 // True for m4a only, decided by the raw value.
 bool isCompressed(AudioFormat format);
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Named loudness targets for the LUFS picker, and a custom one. Plain value; any thread.
 // Showing a custom value that has no whole-number form ends the process.
 #pragma once

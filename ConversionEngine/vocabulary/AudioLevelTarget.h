@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What level processing an audio conversion does: bring the peak to a dBFS target, bring the
 // integrated loudness to a LUFS target, or leave the level alone. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the audio engine is asked to write: codec, rate, optional depth and bit rate, and the
 // level processing. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bit depths of uncompressed audio output; the raw value is the number of bits.
 // Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The deinterlacing filters a user can name, with their texts and their speed and quality
 // ratings. Nothing carries a filter out; only the choice and its texts exist. Any thread.
 #pragma once

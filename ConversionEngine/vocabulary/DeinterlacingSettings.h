@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a video conversion is asked to do about interlacing for one file. The settings travel
 // to the video engine, which takes no action on them. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one declaration of an enum of the vocabulary: a row per case, in declared order, with its
 // raw value and, where it has one, its display text. rawValue, …FromRawValue and all… read the
 // table, so that a case is written down once. Constant data; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which field of an interlaced frame comes first, or that the frame is progressive, with the
 // texts the front end shows for it. Plain value; any thread.
 #pragma once

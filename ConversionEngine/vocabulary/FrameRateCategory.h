@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The family a frame rate belongs to (cinema, PAL, NTSC, or following the source).
 // Plain value; any thread.
 #pragma once

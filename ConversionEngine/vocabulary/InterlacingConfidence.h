@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How sure an interlacing detection is, with the colour the front end marks it with.
 // Plain value; any thread.
 #pragma once

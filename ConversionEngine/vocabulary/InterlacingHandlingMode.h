@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether a video conversion keeps interlaced material as it is or asks for progressive
 // output. Plain value; any thread.
 #pragma once

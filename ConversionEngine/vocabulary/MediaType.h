@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether a media file is video, audio or neither, with the symbol the front end shows.
 // Plain value; any thread.
 #pragma once

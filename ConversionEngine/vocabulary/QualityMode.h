@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How video quality is asked for: a CRF number, or bit rates in kilobits per second for the
 // average, variable and two-pass modes. Plain value; any thread.
 #pragma once

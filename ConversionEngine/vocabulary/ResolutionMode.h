@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a source is brought to a fixed output size: fitted inside it or cropped to fill it.
 // Plain value; any thread.
 #pragma once

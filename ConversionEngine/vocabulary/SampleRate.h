@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output sample rates of the audio engine; the raw value is the rate in hertz as a
 // single-precision float. Plain value; any thread.
 #pragma once

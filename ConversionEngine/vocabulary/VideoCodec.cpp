@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/vocabulary/VideoCodec.h"
 
 namespace ConversionEngine {
@@ -12,19 +13,19 @@ std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw)
     return videoCodecTable.fromRawValue(raw);
 }
 
-platform::VideoCodecType codecType(VideoCodec codec)
+Platform::VideoCodecType codecType(VideoCodec codec)
 {
     switch (codec) {
     case VideoCodec::h264:
-        return platform::VideoCodecType::h264;
+        return Platform::VideoCodecType::h264;
     case VideoCodec::hevc:
-        return platform::VideoCodecType::hevc;
+        return Platform::VideoCodecType::hevc;
     case VideoCodec::prores422:
-        return platform::VideoCodecType::appleProRes422;
+        return Platform::VideoCodecType::appleProRes422;
     case VideoCodec::prores4444:
-        return platform::VideoCodecType::appleProRes4444;
+        return Platform::VideoCodecType::appleProRes4444;
     }
-    return platform::VideoCodecType::h264;
+    return Platform::VideoCodecType::h264;
 }
 
 bool supportsAlpha(VideoCodec codec)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video codecs the video engine encodes to, with the media layer's codec for each.
 // Plain value; any thread.
 #pragma once
@@ -23,7 +24,7 @@ enum class VideoCodec
 // "H.264", "HEVC", "ProRes 422", "ProRes 4444".
 QString rawValue(VideoCodec codec);
 std::optional<VideoCodec> videoCodecFromRawValue(const QString& raw);
-platform::VideoCodecType codecType(VideoCodec codec);
+Platform::VideoCodecType codecType(VideoCodec codec);
 // True for ProRes 4444 only, decided by the raw value.
 bool supportsAlpha(VideoCodec codec);
 

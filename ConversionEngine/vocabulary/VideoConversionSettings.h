@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the video engine is asked to write: container, codec, size and how to reach it, frame
 // rate, quality and export quality. Plain value; any thread.
 #pragma once

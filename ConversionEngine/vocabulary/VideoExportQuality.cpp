@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/vocabulary/VideoExportQuality.h"
 
 namespace ConversionEngine {
@@ -12,19 +13,19 @@ std::optional<VideoExportQuality> videoExportQualityFromRawValue(const QString& 
     return videoExportQualityTable.fromRawValue(raw);
 }
 
-platform::ExportPreset exportPreset(VideoExportQuality quality)
+Platform::ExportPreset exportPreset(VideoExportQuality quality)
 {
     switch (quality) {
     case VideoExportQuality::highest:
-        return platform::ExportPreset::highestQuality;
+        return Platform::ExportPreset::highestQuality;
     case VideoExportQuality::high:
-        return platform::ExportPreset::preset1920x1080;
+        return Platform::ExportPreset::preset1920x1080;
     case VideoExportQuality::medium:
-        return platform::ExportPreset::mediumQuality;
+        return Platform::ExportPreset::mediumQuality;
     case VideoExportQuality::low:
-        return platform::ExportPreset::lowQuality;
+        return Platform::ExportPreset::lowQuality;
     }
-    return platform::ExportPreset::highestQuality;
+    return Platform::ExportPreset::highestQuality;
 }
 
 } // namespace ConversionEngine

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The quality names of a whole-file export, each standing for an export preset of the media
 // layer. `high` stands for a fixed 1920×1080 preset on purpose (held by
 // tst_enginevocabulary::videoExportQualityTable). Plain value; any thread.
@@ -23,7 +24,7 @@ enum class VideoExportQuality
 
 QString rawValue(VideoExportQuality quality);
 std::optional<VideoExportQuality> videoExportQualityFromRawValue(const QString& raw);
-platform::ExportPreset exportPreset(VideoExportQuality quality);
+Platform::ExportPreset exportPreset(VideoExportQuality quality);
 
 // Every case in declared order, with its raw value.
 inline constexpr auto videoExportQualityTable = enumTable<VideoExportQuality, QStringView>({

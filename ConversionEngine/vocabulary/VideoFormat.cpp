@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/vocabulary/VideoFormat.h"
 
 namespace ConversionEngine {
@@ -17,11 +18,11 @@ QString fileExtension(VideoFormat format)
     return rawValue(format).toLower();
 }
 
-platform::FileType fileType(VideoFormat format)
+Platform::FileType fileType(VideoFormat format)
 {
     if (format == VideoFormat::mov)
-        return platform::FileType::quickTimeMovie;
-    return platform::FileType::mpeg4;
+        return Platform::FileType::quickTimeMovie;
+    return Platform::FileType::mpeg4;
 }
 
 } // namespace ConversionEngine

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video containers the video engine writes, with the writer's file type for each.
 // Plain value; any thread.
 #pragma once
@@ -25,7 +26,7 @@ std::optional<VideoFormat> videoFormatFromRawValue(const QString& raw);
 // The raw value in lower case.
 QString fileExtension(VideoFormat format);
 // QuickTime for mov; MPEG-4 for mp4 and m4v.
-platform::FileType fileType(VideoFormat format);
+Platform::FileType fileType(VideoFormat format);
 
 // Every case in declared order, with its raw value.
 inline constexpr auto videoFormatTable = enumTable<VideoFormat, QStringView>({

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/vocabulary/VideoFrameRate.h"
 
 #include <cmath>
@@ -46,29 +47,29 @@ double numericValue(VideoFrameRate rate)
     return 0.0;
 }
 
-platform::MediaTime frameDuration(VideoFrameRate rate)
+Platform::MediaTime frameDuration(VideoFrameRate rate)
 {
     switch (rate) {
     case VideoFrameRate::source:
-        return platform::MediaTime::invalid();
+        return Platform::MediaTime::invalid();
     case VideoFrameRate::fps23976:
-        return platform::MediaTime::make(1001, 24000);
+        return Platform::MediaTime::make(1001, 24000);
     case VideoFrameRate::fps24:
-        return platform::MediaTime::make(1, 24);
+        return Platform::MediaTime::make(1, 24);
     case VideoFrameRate::fps25:
-        return platform::MediaTime::make(1, 25);
+        return Platform::MediaTime::make(1, 25);
     case VideoFrameRate::fps2997:
-        return platform::MediaTime::make(1001, 30000);
+        return Platform::MediaTime::make(1001, 30000);
     case VideoFrameRate::fps30:
-        return platform::MediaTime::make(1, 30);
+        return Platform::MediaTime::make(1, 30);
     case VideoFrameRate::fps50:
-        return platform::MediaTime::make(1, 50);
+        return Platform::MediaTime::make(1, 50);
     case VideoFrameRate::fps5994:
-        return platform::MediaTime::make(1001, 60000);
+        return Platform::MediaTime::make(1001, 60000);
     case VideoFrameRate::fps60:
-        return platform::MediaTime::make(1, 60);
+        return Platform::MediaTime::make(1, 60);
     }
-    return platform::MediaTime::invalid();
+    return Platform::MediaTime::invalid();
 }
 
 FrameRateCategory category(VideoFrameRate rate)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output frame rates of a video conversion, shared by the application and the engine;
 // `source` keeps the input's rate. Plain value; any thread.
 #pragma once
@@ -34,7 +35,7 @@ QString displayName(VideoFrameRate rate);
 // Frames per second; 0 for source.
 double numericValue(VideoFrameRate rate);
 // The exact duration of one frame (1001/30000 for 29.97); an invalid time for source.
-platform::MediaTime frameDuration(VideoFrameRate rate);
+Platform::MediaTime frameDuration(VideoFrameRate rate);
 // 30 and 60 count as NTSC along with 29.97 and 59.94.
 FrameRateCategory category(VideoFrameRate rate);
 // The rate a measured frames-per-second value stands for: the value rounded to three decimals

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The fixed output sizes of a video conversion, in pixels. Plain value; any thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batch/AppMemoryManager.h"
 
 #include "ConversionEngine/core/FixedDecimals.h"
@@ -26,7 +27,7 @@ constexpr double bytesToMebibytes = 9.5367431640625e-07;
 AppMemoryManager::AppMemoryManager(QObject* parent)
     : QObject(parent)
     , m_lastCleanupTime(ProgressClock::current().now())
-    , m_residentSize([] { return platform::ResidentMemory::residentBytes(); })
+    , m_residentSize([] { return Platform::ResidentMemory::residentBytes(); })
 {
     m_memoryMonitorTimer = new QTimer(this);
     m_memoryMonitorTimer->setInterval(static_cast<int>(std::lround(checkIntervalSeconds * 1000.0)));
@@ -68,8 +69,8 @@ void AppMemoryManager::performMemoryCleanup()
     qCInfo(appMemoryLog, "Performing memory cleanup");
     // Nothing is freed here; the observers of the notification do the work.
     if (m_isMemoryPressureHigh)
-        platform::NotificationCenter::defaultCenter().post(
-            platform::NotificationNames::memoryPressureDetected);
+        Platform::NotificationCenter::defaultCenter().post(
+            Platform::NotificationNames::memoryPressureDetected);
 }
 
 void AppMemoryManager::setIsMemoryPressureHigh(bool value)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Watches the process's resident memory from the application side every 30 seconds and, while
 // it is above 1024 MiB, posts NotificationNames::memoryPressureDetected for the engine and the
 // window to react.

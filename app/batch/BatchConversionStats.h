@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The totals of one batch: counts, mean fraction, remaining time, speed and sizes.
 // A plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps one record per input file of a batch and the batch's totals for the detailed batch
 // window, plus a twice-a-second copy of the engine's buffer statistics. Pause and resume only
 // change flags: the driver does not consult them. Main thread only.

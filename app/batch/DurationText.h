@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one way every progress view writes a duration: "59s", "1m 0s", "1h 0m 0s".
 // A pure function; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One file's row in a batch: its status, fraction, speed, remaining time, sizes and times.
 // A plain value identified by `id`; the computed figures ask the file system and the progress
 // clock, so they belong to the main thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where one file of a batch stands: processing (in a phase), completed (with its output),
 // failed (with the error), skipped (with a reason), pending or paused, and how the batch window
 // shows each. A plain value; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts and named colours the progress windows show for the tracker's and the batch's
 // figures: percentages, counts, speeds, sizes and the lines that vanish while a time is unknown.
 // Pure functions; any thread.

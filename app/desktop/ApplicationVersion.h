@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's version, set once in the top-level CMakeLists.txt (project VERSION): what
 // `--version` of both programs prints and what the About window shows. Any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/desktop/InstanceChannel.h"
 
 #include "platform/foundation/NotificationCenter.h"
@@ -47,9 +48,9 @@ void InstanceChannel::openFiles(const QStringList& files, bool windowHasAppeared
         pendingFiles().append(files);
         return;
     }
-    platform::NotificationCenter::defaultCenter().post(
-        platform::NotificationNames::addFilesFromFinder, nullptr,
-        QVariantMap{{platform::NotificationNames::filesKey, files}});
+    Platform::NotificationCenter::defaultCenter().post(
+        Platform::NotificationNames::addFilesFromFinder, nullptr,
+        QVariantMap{{Platform::NotificationNames::filesKey, files}});
 }
 
 QStringList InstanceChannel::takePendingFiles()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The single-instance channel: the first running Ondrilet listens on a local socket in the user's
 // runtime folder, and a later launch hands its files over there and exits, so that "open with"
 // always lands in the one window. GUI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/desktop/ProgramExit.h"
 
 #include "app/driver/MediaConverter.h"
@@ -18,22 +19,22 @@ int ProgramExit::afterEventLoop(const MediaConverter& converter, int status)
 {
     if (!converter.hasRunInProgress())
         return status;
-    QStringList removed = platform::AssetWriter::discardUnfinishedOutputs();
+    QStringList removed = Platform::AssetWriter::discardUnfinishedOutputs();
     // A temporary file that its writer has finished still waits for its swap: it is no
     // output of this run either, and the original stays as it is.
     if (const std::optional<QString> temporary = converter.pendingTemporaryOutput();
         temporary && !removed.contains(*temporary) &&
-        platform::FileAttributes::fileExists(*temporary)) {
+        Platform::FileAttributes::fileExists(*temporary)) {
         try {
-            platform::FileAttributes::removeItem(*temporary);
+            Platform::FileAttributes::removeItem(*temporary);
             removed.append(*temporary);
-        } catch (const platform::FileSystemError&) {
+        } catch (const Platform::FileSystemError&) {
         }
     }
     for (const QString& path : std::as_const(removed))
-        platform::Console::print(QStringLiteral("🗑️ Removed unfinished output: ") +
+        Platform::Console::print(QStringLiteral("🗑️ Removed unfinished output: ") +
                                  QFileInfo(path).fileName());
-    platform::UserDefaults::standard().synchronize();
+    Platform::UserDefaults::standard().synchronize();
     std::fflush(nullptr);
     std::_Exit(status);
 }

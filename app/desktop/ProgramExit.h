@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's last step once its event loop has ended. A conversion still under way is then
 // abandoned: the outputs its writers hold open, and the hidden temporary file of an original
 // that was to be replaced (finished or not), are removed with a console line each, the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the window program's command line accepts besides files: `--version` and `--help`, which
 // are answered on standard output before any window or display is needed. The help and the man
 // page read the same list. Any thread.

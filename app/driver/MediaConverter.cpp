@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/driver/MediaConverter.h"
 
 #include "ConversionEngine/audio/AudioConverter.h"
@@ -28,8 +29,8 @@ using ConversionEngine::ConversionPhase;
 using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::ErrorHandler;
 using ConversionEngine::ProgressSubject;
-using platform::Console;
-using platform::FileAttributes;
+using Platform::Console;
+using Platform::FileAttributes;
 
 struct MediaConverter::FileProgressSubscription
 {
@@ -66,7 +67,7 @@ void removeIgnoringFailure(const std::optional<QString>& path)
         return;
     try {
         FileAttributes::removeItem(*path);
-    } catch (const platform::FileSystemError&) {
+    } catch (const Platform::FileSystemError&) {
     }
 }
 
@@ -75,7 +76,7 @@ void removeIgnoringFailure(const std::optional<QString>& path)
 // original where it is.
 void replaceWithFinishedOutput(const QString& output, const QString& temporary)
 {
-    if (platform::AssetWriter::isUnfinishedOutput(temporary))
+    if (Platform::AssetWriter::isUnfinishedOutput(temporary))
         removeIgnoringFailure(temporary);
     replaceOriginal(output, temporary);
 }
@@ -246,7 +247,7 @@ void MediaConverter::prepareDestination(const QString& outputPath, const FileOpt
 {
     if (FileAttributes::fileExists(outputPath)) {
         if (!fileOptions.overwriteExisting)
-            throw platform::MediaError(QStringLiteral("FileExists"), 0,
+            throw Platform::MediaError(QStringLiteral("FileExists"), 0,
                                        QStringLiteral("Output file already exists (overwrite "
                                                       "disabled)"));
         FileAttributes::removeItem(outputPath);

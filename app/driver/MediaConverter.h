@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one object between the main window and the two engines: walks the selected files strictly
 // one after the other, picks the engine and the output of each, feeds the progress objects the
 // views observe, and turns any failure into one message for the user. Main thread only.

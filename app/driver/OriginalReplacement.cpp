@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/driver/OriginalReplacement.h"
 
 #include "ConversionEngine/errors/ConversionError.h"
@@ -17,8 +18,8 @@
 namespace Ondrilet {
 
 using ConversionEngine::ConversionError;
-using platform::Console;
-using platform::FileAttributes;
+using Platform::Console;
+using Platform::FileAttributes;
 
 namespace {
 
@@ -61,7 +62,7 @@ std::optional<unsigned> readPermissions(const QString& original)
 {
     try {
         return FileAttributes::permissions(original);
-    } catch (const platform::FileSystemError&) {
+    } catch (const Platform::FileSystemError&) {
         return std::nullopt;
     }
 }
@@ -77,12 +78,12 @@ std::optional<unsigned> readPermissions(const QString& original)
     if (FileAttributes::fileExists(backup)) {
         try {
             FileAttributes::moveItem(backup, original);
-        } catch (const platform::FileSystemError&) {
+        } catch (const Platform::FileSystemError&) {
         }
     }
     try {
         FileAttributes::removeItem(temp);
-    } catch (const platform::FileSystemError&) {
+    } catch (const Platform::FileSystemError&) {
     }
     throw ConversionError::conversionFailed(QStringLiteral("Failed to replace original file: ") +
                                             text);

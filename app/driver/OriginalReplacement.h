@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Swapping a finished conversion into the place of the file it was made from, and the hidden
 // helper names beside that file (the temporary output and the backup of the original).
 // GUI thread only: the swap blocks it for a few renames, removals and syncs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/driver/SettingsMapping.h"
 
 #include "platform/foundation/Console.h"
@@ -120,20 +121,20 @@ ConversionEngine::VideoConversionSettings mapVideoSettings(const VideoSettings& 
     if (!outputFormat)
         trap(QStringLiteral("No engine video format has the raw value: %1").arg(formatRaw));
 
-    platform::Console::print(QStringLiteral("🔍 mapVideoSettings called:"));
-    platform::Console::print(QStringLiteral("   settings.resolution: ") +
+    Platform::Console::print(QStringLiteral("🔍 mapVideoSettings called:"));
+    Platform::Console::print(QStringLiteral("   settings.resolution: ") +
                              labelOrNil(settings.resolution));
-    platform::Console::print(QStringLiteral("   settings.codec: ") + caseName(settings.codec));
+    Platform::Console::print(QStringLiteral("   settings.codec: ") + caseName(settings.codec));
 
     std::optional<ConversionEngine::VideoResolution> resolution;
     if (settings.resolution) {
         // The application's label stands on both sides of the arrow; that is the line as it is.
         const QString label = rawValue(*settings.resolution);
-        platform::Console::print(QStringLiteral("   Mapping resolution: ") + label +
+        Platform::Console::print(QStringLiteral("   Mapping resolution: ") + label +
                                  QStringLiteral(" -> ") + label);
         resolution = engineResolution(*settings.resolution);
     }
-    platform::Console::print(
+    Platform::Console::print(
         QStringLiteral("   Mapped resolution: ") +
         (resolution ? ConversionEngine::rawValue(*resolution) : QStringLiteral("nil")));
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The only crossing from the application's settings to the engine's. A value the engine has no
 // match for is a programming error and ends the process. Main thread (they print console lines).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/help/HelpModel.h"
 
 #include "platform/foundation/NotificationCenter.h"
@@ -7,16 +8,16 @@ namespace Ondrilet {
 HelpModel::HelpModel(QObject* parent)
     : QObject(parent)
 {
-    platform::NotificationCenter::defaultCenter().addObserver(
+    Platform::NotificationCenter::defaultCenter().addObserver(
         this, sectionChangeNotification, nullptr,
-        [this](const platform::NotificationCenter::Notification& notification) {
+        [this](const Platform::NotificationCenter::Notification& notification) {
             setSelectedSection(helpSectionFromNotificationObject(notification.object));
         });
 }
 
 void HelpModel::postSectionChange(HelpSection section)
 {
-    platform::NotificationCenter::defaultCenter().post(sectionChangeNotification,
+    Platform::NotificationCenter::defaultCenter().post(sectionChangeNotification,
                                                        notificationObject(section));
 }
 

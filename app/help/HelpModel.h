@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the Help window shows: the search text, the sections the sidebar lists for it, the chosen
 // section and its page as rich text. It follows the "helpSectionChange" notification, so a Help
 // menu entry turns it to its section. GUI thread only.

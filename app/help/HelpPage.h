@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One page of the built-in manual: its title, its introduction and its topics, each a heading
 // and a text in the manual's light markup (line breaks, **bold**). Plain value; any thread.
 #pragma once

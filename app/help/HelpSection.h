@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sections of the built-in manual, in the order the sidebar lists them, with their labels,
 // and the one object per section that the "helpSectionChange" notification carries. Any thread.
 #pragma once

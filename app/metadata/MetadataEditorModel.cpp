@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/MetadataEditorModel.h"
 
 #include "ConversionEngine/errors/ErrorHandler.h"
@@ -22,7 +23,7 @@
 
 namespace Ondrilet {
 
-using platform::Console;
+using Platform::Console;
 
 namespace {
 
@@ -230,7 +231,7 @@ void MetadataEditorModel::readMetadata(const QString& path)
 {
     Console::print(QStringLiteral("Reading metadata from: ") + fileNameOf(path));
     QPointer<MetadataEditorModel> self(this);
-    platform::MainQueue::async([self, path] {
+    Platform::MainQueue::async([self, path] {
         if (self)
             self->readMetadataTask(path);
     });
@@ -359,7 +360,7 @@ void MetadataEditorModel::applyMetadataChanges()
     Console::print(QStringLiteral("   Keep Original Date: ") + trueOrFalse(m_keepOriginalDate));
     Console::print(QStringLiteral("   Write to Filename: ") + trueOrFalse(m_writeDateToFilename));
     QPointer<MetadataEditorModel> self(this);
-    platform::MainQueue::async([self, files, metadata] {
+    Platform::MainQueue::async([self, files, metadata] {
         if (self)
             self->storeMetadataForFiles(files, metadata);
     });

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The metadata panel of the main window: the tags read from the first listed file, the edit
 // fields, the date switches, and the pending-metadata entries they are stored as for the
 // conversion to find. Edits are stored only when a trigger fires, never per keystroke.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/PendingMetadataStore.h"
 
 #include "platform/foundation/UserDefaults.h"
@@ -8,15 +9,15 @@
 
 namespace Ondrilet {
 
-PendingMetadataStore::PendingMetadataStore(platform::UserDefaults* defaults)
+PendingMetadataStore::PendingMetadataStore(Platform::UserDefaults* defaults)
     : m_defaults(defaults)
 {}
 
-platform::UserDefaults& PendingMetadataStore::defaults() const
+Platform::UserDefaults& PendingMetadataStore::defaults() const
 {
     // The standard defaults may be replaced (tests point them at a file of their own), so
     // they are looked up afresh rather than held.
-    return m_defaults ? *m_defaults : platform::UserDefaults::standard();
+    return m_defaults ? *m_defaults : Platform::UserDefaults::standard();
 }
 
 QString PendingMetadataStore::key(const QString& inputPath)

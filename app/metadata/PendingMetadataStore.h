@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Metadata edits waiting for a conversion: one CBOR map per input file name in the user
 // defaults, under "pendingMetadata_" + the name. Strings, integers, Booleans and dates keep their
 // own types. The key holds the name and not the path, so files of one name share an entry.
@@ -9,7 +10,7 @@
 
 #include <optional>
 
-namespace platform {
+namespace Platform {
 class UserDefaults;
 }
 
@@ -33,7 +34,7 @@ public:
     static inline const QString writeToFilenameKey = QStringLiteral("writeToFilename");
 
     // Without defaults given, each call uses the standard defaults of that moment.
-    explicit PendingMetadataStore(platform::UserDefaults* defaults = nullptr);
+    explicit PendingMetadataStore(Platform::UserDefaults* defaults = nullptr);
 
     // "pendingMetadata_" + the last path component of `inputPath`, extension included.
     static QString key(const QString& inputPath);
@@ -53,9 +54,9 @@ public:
     static std::optional<QCborMap> decode(const QByteArray& bytes);
 
 private:
-    platform::UserDefaults& defaults() const;
+    Platform::UserDefaults& defaults() const;
 
-    platform::UserDefaults* m_defaults = nullptr;
+    Platform::UserDefaults* m_defaults = nullptr;
 };
 
 } // namespace Ondrilet

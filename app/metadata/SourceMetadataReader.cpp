@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/SourceMetadataReader.h"
 
 #include "app/naming/DateTexts.h"
@@ -11,14 +12,14 @@
 
 namespace Ondrilet {
 
-using platform::Console;
+using Platform::Console;
 
 QCoro::Task<QVariantMap> SourceMetadataReader::read(QString path)
 {
-    const platform::Asset asset(path);
+    const Platform::Asset asset(path);
     QVariantMap metadata;
-    const std::vector<platform::MetadataItem> items = co_await asset.loadMetadata();
-    for (const platform::MetadataItem& item : items) {
+    const std::vector<Platform::MetadataItem> items = co_await asset.loadMetadata();
+    for (const Platform::MetadataItem& item : items) {
         if (item.commonKey.isEmpty() || !item.value.isValid())
             continue;
         metadata.insert(item.commonKey, item.value.toString());

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads a source file's tags for the metadata editor through the media layer: each tag that has
 // a common key, under that key with its value as text (a later tag replaces an earlier one with
 // the same key), then the file's creation date under "creationDate" when it is a date. Prints
@@ -14,7 +15,7 @@ namespace Ondrilet {
 class SourceMetadataReader
 {
 public:
-    // Throws platform::MediaError when the file cannot be opened as media.
+    // Throws Platform::MediaError when the file cannot be opened as media.
     static QCoro::Task<QVariantMap> read(QString path);
 };
 

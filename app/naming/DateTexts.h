@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the main window and its console lines write dates: the panel's medium date with a short
 // time in the current locale, the file name's day, and the one form console lines use.
 // Pure functions; any thread.

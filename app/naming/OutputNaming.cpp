@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/naming/OutputNaming.h"
 
 #include "ConversionEngine/core/FixedDecimals.h"
@@ -14,7 +15,7 @@ namespace Ondrilet {
 using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::InterlacingHandlingMode;
-using platform::Console;
+using Platform::Console;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a converted file goes and what it is called: path arithmetic on the input, the output
 // format, the settings and the file options, plus one read of the pending metadata for the date.
 // It never looks at the disk: no existence test, no counter on a collision, no directory made.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Output Preview" text of the main window: the folder, an example name with the settings
 // tags, the extension, and on a second line the creation date the outputs will get. It shows
 // the window's own choices; the driver's names come from the output naming. Any thread.

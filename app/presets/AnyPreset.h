@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A preset of either kind, as the store lists it and the pickers show it: a video preset or an
 // audio preset. It is identified by the identifier of the record inside. Plain value: any thread.
 #pragma once

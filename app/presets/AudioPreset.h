@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A named, complete snapshot of what the main window can set for an audio output: container,
 // audio, level and date settings, and the built-in audio presets. Plain value: any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the video and audio preset records do alike with their fields: the lookup of a fixed
 // description text by name, and the plain values their hashes take from a few fields.
 // Pure functions; any thread.

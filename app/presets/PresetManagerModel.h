@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules of the Preset Manager window: which preset is selected, the working copy of its fields,
 // and add, duplicate, save, remove and factory reset on the shared list. It edits the in-memory
 // list only and never the main window's current settings; nothing is guarded (factory presets and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The one list of presets of the running application, shared by the main window and the preset
 // manager. It lives in memory only: nothing is saved or read back, so every launch starts from
 // the built-in presets. Main thread only.

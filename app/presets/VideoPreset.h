@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A named, complete snapshot of what the main window can set for a video output: container,
 // video, audio, level and date settings, and the built-in video presets. Plain value: any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts of the About window: the program's name, its version line, the description and the
 // copyright line. Pure functions; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the windows look: after the desktop, always light or always dark. The raw value is what
 // the settings store and the theme picker shows. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/shell/SettingsModel.h"
 
 #include "platform/foundation/UserDefaults.h"
@@ -15,14 +16,14 @@ QStringList SettingsModel::integrationLines()
     };
 }
 
-SettingsModel::SettingsModel(platform::UserDefaults* defaults, QObject* parent)
+SettingsModel::SettingsModel(Platform::UserDefaults* defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
 {}
 
-platform::UserDefaults& SettingsModel::defaults() const
+Platform::UserDefaults& SettingsModel::defaults() const
 {
-    return m_defaults ? *m_defaults : platform::UserDefaults::standard();
+    return m_defaults ? *m_defaults : Platform::UserDefaults::standard();
 }
 
 AppearanceMode SettingsModel::appearanceMode() const

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the Settings window edits: the stored appearance and the stored default output folder.
 // The appearance is applied only when the window appears or its theme changes, so a stored dark
 // theme shows once the window has been opened in a run. GUI thread only.
@@ -8,7 +9,7 @@
 #include <QObject>
 #include <QString>
 
-namespace platform {
+namespace Platform {
 class UserDefaults;
 }
 
@@ -43,7 +44,7 @@ public:
         "Supported formats: MP4, MOV, AVI, MKV, MP3, WAV, AIFF, FLAC, AAC, and more");
 
     // Without defaults the program's own are used.
-    explicit SettingsModel(platform::UserDefaults* defaults = nullptr, QObject* parent = nullptr);
+    explicit SettingsModel(Platform::UserDefaults* defaults = nullptr, QObject* parent = nullptr);
 
     // The stored theme; unset or unknown reads as system.
     AppearanceMode appearanceMode() const;
@@ -66,9 +67,9 @@ signals:
     void defaultOutputDirectoryPathChanged(const QString& path);
 
 private:
-    platform::UserDefaults& defaults() const;
+    Platform::UserDefaults& defaults() const;
 
-    platform::UserDefaults* m_defaults = nullptr;
+    Platform::UserDefaults* m_defaults = nullptr;
 };
 
 } // namespace Ondrilet

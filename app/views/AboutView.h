@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The About window's content: the icon, the name, the version, the description and the copyright
 // line, in one centred column. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two looks of the program, light and dark, on the Fusion style, and the choice between them
 // by the stored appearance ("System", "Light", "Dark"). GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's windows besides the main one — Settings, About, Preset Manager, Help and
 // Conversion Progress — and the menu commands that open them. Each window is made on first use
 // and brought forward after that, so a command pressed twice still gives one window.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio rows that both settings panels show: codec, sample rate, then bit depth or bit rate
 // with its hint, as the model's rules give them for the format and codec. They live in the form
 // of the section that holds them. GUI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Audio Settings" section, shown for audio formats: codec, sample rate, and bit depth or
 // bit rate with its hint. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One row of the file list: the file's symbol in its colour, its name, and a remove button. A row
 // can be dragged onto another to move it there; it offers its index as text, and a row takes a
 // drop only of text that is not a list of files. GUI thread only.

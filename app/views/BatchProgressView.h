@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Batch Conversion Progress": the batch's time remaining, count and percentage, its performance
 // metrics, Pause / Resume / Show Details, and one row per file; a row's click opens its details.
 // It reads the BatchProgressManager and calls only its pause and resume. GUI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A drop-down of labelled choices that tells only the user's own picks (not the ones the model
 // sets), so a view can follow its model without echoing every change back. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's content: the preset picker on top, the file list and metadata editor on the
 // left, the settings sections on the right, the progress area and the Convert button below, and
 // the alerts and panels the model asks for. It binds to ContentViewModel and decides nothing

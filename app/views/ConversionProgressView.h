@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The content of the "Conversion Progress" window: the run's detailed tracking above the batch's
 // per-file progress, in one scrolling column. GUI thread only.
 #pragma once

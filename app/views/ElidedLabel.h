@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A one-line label that never clips: text that does not fit ends in an ellipsis, and the whole
 // text shows as its tooltip. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Enhanced Progress Tracking": the LIVE mark that pulses with the tracker's heartbeat, the bar
 // and its percentage, the phase in its colour, the ETA while one is known, the detailed metrics
 // behind a Show / Hide Details toggle, and Cancel. It reads an EnhancedProgressTracker and calls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "File Details": one file of a batch, row by row — name, status, progress, sizes, speed and
 // times. A time that is not known leaves its row out. GUI thread only.
 #pragma once

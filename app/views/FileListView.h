@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The left column's file list: the title with Add, the rows in list order (or an invitation to
 // drop files while the list is empty), the count and Clear. Files dropped from a file manager
 // anywhere on it go to the model; rows are selected by click and removed with Delete.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One file of a batch in the batch window: the status symbol in the status colour, the file name
 // and the percentage. Clicking it asks for the file's details. GUI thread only.
 #pragma once

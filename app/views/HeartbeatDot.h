@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The small green dot of the progress area: full strength while the conversion's heartbeat is
 // on, faded to 0.3 while it is off, easing between the two in a quarter of a second. GUI thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/views/HelpView.h"
 
 #include "app/help/HelpModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Help window's content: a sidebar with the search field and the sections it lets through,
 // beside the chosen section's page. It binds to HelpModel. GUI thread only.
 #pragma once

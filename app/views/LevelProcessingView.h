@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Audio Level Processing" section: the level mode, then the peak slider, or the loudness
 // slider with the loudness presets. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window of Ondrilet: the frame around ContentView with the menus, opening at
 // 1280 × 800. Its first appearance starts the model's first-appearance steps with the files that
 // arrived before it. Closing it quits the program (Quit in the menu closes it too); during a

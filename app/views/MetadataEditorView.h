@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The collapsible metadata editor under the file list: the detected format, the creation-date
 // options with their summary line, and the tag fields. What is typed goes straight to the model,
 // which decides when it is stored. GUI thread only.

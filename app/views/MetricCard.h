@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One figure of the progress windows as a framed tile: the symbol, the value large and the title
 // small. The batch window's metrics and the tracker's detailed metrics both use it. GUI thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shades of the named colours the progress windows use (status and phase colours), one set
 // for the light palette and one for the dark. GUI thread only.
 #pragma once

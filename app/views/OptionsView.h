@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Options" section: the four switches of where and how outputs are written, each with its
 // help text. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Output" section: the output directory with "Change..", the directory panel it opens,
 // and the "Output Preview" of the first file's output name. GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Preset Manager window's content: the list of presets with add, remove and factory reset,
 // and beside it the editor of the selected preset with Save, Duplicate and Delete. It binds to
 // PresetManagerModel and holds no rules. GUI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's own progress area: the heartbeat dot, the bar of the run's progress in the
 // program's violet, and the status message, all as the converter publishes them. GUI thread only.
 #pragma once

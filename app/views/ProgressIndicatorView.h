@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A tracker's bar and message in one of two forms: compact, a row, or full, a column.
 // GUI thread only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The quality row of the video panel: the quality type, then the controls of the case the
 // quality mode holds (the CRF slider with its description, or the bit-rate sliders with their
 // notes). GUI thread only.

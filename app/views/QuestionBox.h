@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window-modal warning that asks before something that cannot be taken back: a title, an
 // explanation, a cancel button (the default, also on Escape) and a confirm button in the
 // destructive role. It deletes itself when closed. GUI thread only.

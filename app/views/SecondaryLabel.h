@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A label in the palette's secondary text colour that keeps that colour when the look changes
 // between light and dark. GUI thread only.
 #pragma once

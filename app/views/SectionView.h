@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A titled section of the settings: a bold title over a softly framed card that holds a form
 // with right-aligned labels. Only looks; it knows nothing of what it holds. GUI thread only.
 #pragma once

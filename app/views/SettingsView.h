@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Settings window's content: the theme, the default output folder and the notes on opening
 // files from the desktop. It binds to SettingsModel; applying the look is the palette's job, asked
 // for by the model when the window appears and when the theme changes. GUI thread only.

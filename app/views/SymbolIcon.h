@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Icons for the symbol names the windows use ("video", "music.note", "plus" …): the desktop's icon
 // theme where it has the matching freedesktop icon, otherwise a glyph this program draws itself, so
 // every symbol always shows. GUI thread only.

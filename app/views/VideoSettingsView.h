@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The "Video Settings" section, shown for video formats: codec, resolution, frame rate,
 // quality, interlacing with its note, audio handling, and the audio rows when the sound is
 // encoded anew. GUI thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio bit rates the user can pick; the raw value is in kilobits per second, and
 // bitsPerSecond is what crosses into the engine. Nothing lies between 64 and 128. Any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio output formats the user can pick; the raw value is also the file extension.
 // Plain value; any thread.
 #pragma once

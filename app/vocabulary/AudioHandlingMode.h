@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a video conversion does with the sound: pass it through or encode it anew.
 // Plain value; any thread.
 #pragma once

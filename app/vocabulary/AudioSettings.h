@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio half of what the user picked: codec, rate, optional depth and bit rate. The level
 // target travels beside it, not in it. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything the front end hands the driver for one run, apart from the level target, which
 // travels as an argument of its own. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The export quality a preset names. It stays in the application: the video engine is always
 // asked for its highest export quality. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three file switches of a run: settings in the output name, overwriting, subfolders.
 // Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which level-processing rows the pickers show: none, a peak target or a loudness target.
 // Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output the user picks: a video format or an audio format. Which of the two it is
 // decides which engine converts. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video quality the user asks for: a CRF number, or bit rates for the average, variable
 // and two-pass modes. Same kinds and numbers as the engine's quality mode; only the settings
 // mapping turns one into the other. Plain value; any thread.

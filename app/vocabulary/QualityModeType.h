@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The kinds of video quality the picker offers: only constant quality. Plain value; any thread.
 #pragma once
 

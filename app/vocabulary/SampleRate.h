@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output sample rates the user can pick; the raw value is also the label.
 // Plain value; any thread.
 #pragma once

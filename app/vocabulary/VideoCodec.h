@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video codecs the user can pick; the raw value is also the label and the file-name token.
 // Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video output formats the user can pick; raw values are upper case, unlike the audio
 // formats'. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The fixed output sizes the user can pick; the raw value is also the label. No value at all
 // (an empty optional) means the source's size. Plain value; any thread.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video half of what the user picked: codec, optional size, frame rate and quality.
 // Plain value; any thread.
 #pragma once

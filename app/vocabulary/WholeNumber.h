@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading a whole number out of text the user or a drag session gave: the whole text must be
 // decimal digits with at most one leading sign. Any thread.
 #pragma once

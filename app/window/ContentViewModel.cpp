@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/window/ContentViewModel.h"
 
 #include "app/metadata/MetadataEditorModel.h"
@@ -28,10 +29,10 @@ using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::InterlacingHandlingMode;
 using ConversionEngine::VideoFrameRate;
-using platform::Console;
-using platform::FileAttributes;
-using platform::MainQueue;
-using platform::NotificationCenter;
+using Platform::Console;
+using Platform::FileAttributes;
+using Platform::MainQueue;
+using Platform::NotificationCenter;
 
 namespace {
 
@@ -96,7 +97,7 @@ ContentViewModel::ContentViewModel(PresetStore* presetStore, QObject* parent)
 
     // Heard for the whole life of the window; it only leaves a line.
     NotificationCenter::defaultCenter().addObserver(
-        this, platform::NotificationNames::memoryPressureDetected, nullptr,
+        this, Platform::NotificationNames::memoryPressureDetected, nullptr,
         [](const NotificationCenter::Notification&) {
             Console::print(QStringLiteral("⚠️ Memory pressure detected in ContentView"));
         });
@@ -155,10 +156,10 @@ void ContentViewModel::listenForFilesFromFinder()
 {
     QPointer<ContentViewModel> self(this);
     NotificationCenter::defaultCenter().addObserver(
-        this, platform::NotificationNames::addFilesFromFinder, nullptr,
+        this, Platform::NotificationNames::addFilesFromFinder, nullptr,
         [self](const NotificationCenter::Notification& notification) {
             const QVariant files =
-                notification.userInfo.value(platform::NotificationNames::filesKey);
+                notification.userInfo.value(Platform::NotificationNames::filesKey);
             if (files.typeId() != QMetaType::QStringList)
                 return;
             const QStringList paths = files.toStringList();

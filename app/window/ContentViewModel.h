@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything of the main window that is not pixels: the input list, every conversion setting
 // with its rules, the metadata panel, the output directory, the alerts and the start and stop of
 // a run. The window and the terminal front end both drive it; neither holds rules of its own.

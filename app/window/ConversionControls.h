@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules of the main window's settings panels as pure functions: which audio codecs a format
 // allows and the automatic correction, the codec, bit-rate and level choices with their labels,
 // marks and hints, the quality sliders' coupling and texts, and the CRF description. The model

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/window/DirectoryBookmark.h"
 
 #include "platform/foundation/FileSystemError.h"
@@ -9,11 +10,11 @@
 
 namespace Ondrilet {
 
-using platform::FileSystemError;
+using Platform::FileSystemError;
 
 QByteArray DirectoryBookmark::create(const QString& path)
 {
-    platform::PathAccess::requireDirectory(path);
+    Platform::PathAccess::requireDirectory(path);
     return path.toUtf8();
 }
 
@@ -24,13 +25,13 @@ DirectoryBookmark::Resolution DirectoryBookmark::resolve(const QByteArray& bookm
         throw FileSystemError(EINVAL, FileSystemError::Operation::read, stored);
     // The path is the bookmark: it resolves while something is there (through links too), and
     // it is given back as it was chosen, so that files reached the same way keep matching it.
-    platform::PathAccess::requireExists(stored);
+    Platform::PathAccess::requireExists(stored);
     return {stored, false};
 }
 
 bool DirectoryBookmark::startAccessing(const QString& path)
 {
-    using platform::PathAccess;
+    using Platform::PathAccess;
     return PathAccess::isDirectory(path) &&
            PathAccess::allows(path, PathAccess::read | PathAccess::enter);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A remembered output directory that survives relaunches. Without a sandbox the bookmark is the
 // directory's path itself (UTF-8); "access" to it is whether the directory can be entered and
 // read. Any thread; no state.
@@ -19,10 +20,10 @@ public:
         bool isStale = false;
     };
 
-    // Throws platform::FileSystemError when `path` is not an existing directory.
+    // Throws Platform::FileSystemError when `path` is not an existing directory.
     static QByteArray create(const QString& path);
 
-    // Throws platform::FileSystemError when the stored path is not absolute or nothing exists
+    // Throws Platform::FileSystemError when the stored path is not absolute or nothing exists
     // there any more.
     static Resolution resolve(const QByteArray& bookmark);
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/window/FileListModel.h"
 
 #include "platform/foundation/Console.h"
@@ -53,7 +54,7 @@ bool FileListModel::moveFile(qint64 from, qint64 to)
     const QString moved = reordered.takeAt(qsizetype(from));
     reordered.insert(qsizetype(to), moved);
     setListedFiles(reordered);
-    platform::Console::print(QStringLiteral("✅ Moved file from index %1 to %2").arg(from).arg(to));
+    Platform::Console::print(QStringLiteral("✅ Moved file from index %1 to %2").arg(from).arg(to));
     return true;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's list of input files, in the order they will be converted: appending with or
 // without the duplicate filter, removing, clearing and moving rows. Files are absolute, clean
 // local paths. Main thread only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the file list decides from a file's name alone: whether it counts as media, how its row
 // looks, which format label the metadata panel shows, and the alerts for refused files. The
 // name is all that is looked at, never the content. Pure functions; any thread.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/window/OutputDirectoryModel.h"
 
 #include "app/window/DirectoryBookmark.h"
@@ -14,8 +15,8 @@
 
 namespace Ondrilet {
 
-using platform::Console;
-using platform::UserDefaults;
+using Platform::Console;
+using Platform::UserDefaults;
 
 QString OutputDirectoryModel::downloadsDirectory()
 {
@@ -58,7 +59,7 @@ void OutputDirectoryModel::useDirectory(const QString& directory)
 
     try {
         UserDefaults::standard().setData(bookmarkKey, DirectoryBookmark::create(directory));
-    } catch (const platform::FileSystemError& error) {
+    } catch (const Platform::FileSystemError& error) {
         // The former bookmark, if any, stays in place.
         Console::print(QStringLiteral("⚠️ Failed to create security bookmark: ") +
                        error.localizedDescription());
@@ -67,7 +68,7 @@ void OutputDirectoryModel::useDirectory(const QString& directory)
     if (!passesWriteTest(directory)) {
         // A warning only: the directory stays chosen and its bookmark stays stored.
         QPointer<OutputDirectoryModel> self(this);
-        platform::MainQueue::async([self] {
+        Platform::MainQueue::async([self] {
             if (self)
                 emit self->alertRequested(WindowTexts::notWritableWarning);
         });
@@ -99,7 +100,7 @@ void OutputDirectoryModel::restoreOutputDirectory()
     DirectoryBookmark::Resolution resolution;
     try {
         resolution = DirectoryBookmark::resolve(*bookmark);
-    } catch (const platform::FileSystemError& error) {
+    } catch (const Platform::FileSystemError& error) {
         Console::print(QStringLiteral("⚠️ Failed to restore security bookmark: ") +
                        error.localizedDescription());
         defaults.removeObject(bookmarkKey);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where converted files go when they do not go beside their sources: the chosen directory, its
 // remembered bookmark in the user defaults, the write test after a choice and the restore at
 // launch. No failure here stops anything: it prints, warns or forgets. Main thread only.

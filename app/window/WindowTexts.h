@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The fixed texts of the main window: labels, help texts, alert texts and panel prompts, kept as
 // data so that the window, the terminal front end and the tests read the very same strings.
 // Constants; any thread.

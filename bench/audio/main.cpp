@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Converts one long WAV with the audio engine to AAC 256 kbit/s, ALAC, AIFF 24-bit and WAV
 // 16-bit at 44.1 kHz, times the same jobs done by the ffmpeg CLI, and prints each pair of times
 // and their ratio (ours / ffmpeg's; below 1 means we are faster). Main thread only.

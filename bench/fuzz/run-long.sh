@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The long fuzzing run: every libFuzzer target of a "fuzz" build for SECONDS each (default one
 # hour), one after the other, new inputs kept in the build's corpus folders. A crash stops the
 # target and leaves its input as crash-* in the current folder: add it to

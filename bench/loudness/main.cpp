@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Measures one file's loudness with our analyzer and with `ffmpeg -af ebur128 -f null -`, several
 // times each, and prints the best wall-clock and processor times and the ratio of ours to ffmpeg's.
 // The goal is a wall-clock ratio of at most 0.3. Main thread only.

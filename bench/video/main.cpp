@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Converts the corpus's clips with the video engine, times the same jobs done by the ffmpeg CLI
 // with the same encoder settings, and prints the wall times, their ratio (ours / ffmpeg's; below 1
 // means we are faster) and the peak resident size of each side. Every conversion runs in a child

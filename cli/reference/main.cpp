@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-reference: writes the manual pages and the shell completion, made from the option
 // tables, into the directory given. Runs at build time; not installed. Main thread.
 #include "cli/ManPage.h"

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/Console.h"
 
 #include <cstdio>
 #include <mutex>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -56,4 +57,4 @@ void Console::Recorder::append(const QString& line)
     m_lines.append(line);
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Console lines: one whole line per call on standard output, never interleaved between threads.
 // The program's console lines are part of its behaviour, so tests can record them. Any thread.
 #pragma once
@@ -5,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace platform {
+namespace Platform {
 
 class Console
 {
@@ -32,4 +33,4 @@ public:
     };
 };
 
-} // namespace platform
+} // namespace Platform

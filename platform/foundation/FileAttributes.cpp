@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/FileAttributes.h"
 
 #include "platform/foundation/FileSystemError.h"
@@ -14,7 +15,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -263,4 +264,4 @@ void FileAttributes::syncDirectory(const QString& path)
     syncPath(path, O_DIRECTORY);
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The file operations a conversion depends on, as plain system calls: existence, a move that
 // never replaces, removal, folders, permission bits, the modification date and durable writes.
-// Failures throw platform::FileSystemError. Any thread.
+// Failures throw Platform::FileSystemError. Any thread.
 #pragma once
 
 #include <QDateTime>
@@ -10,7 +11,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace platform {
+namespace Platform {
 
 class FileAttributes
 {
@@ -63,4 +64,4 @@ public:
     static void syncDirectory(const QString& path);
 };
 
-} // namespace platform
+} // namespace Platform

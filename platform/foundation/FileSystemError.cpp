@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/FileSystemError.h"
 
 #include <cerrno>
 #include <cstring>
 
-namespace platform {
+namespace Platform {
 
 FileSystemError::FileSystemError(int errnoValue, Operation operation, QString path)
     : m_errno(errnoValue)
@@ -39,4 +40,4 @@ int FileSystemError::codeFor(int errnoValue, Operation operation)
     }
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A failed file operation: the errno it came from, the file-system error code that code means
 // for a read or a write, the path, and a readable text. Any thread.
 #pragma once
@@ -7,7 +8,7 @@
 #include <exception>
 #include <string>
 
-namespace platform {
+namespace Platform {
 
 class FileSystemError : public std::exception
 {
@@ -55,4 +56,4 @@ private:
     std::string m_what;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/MainQueue.h"
 
 #include <QCoreApplication>
@@ -7,7 +8,7 @@
 #include <climits>
 #include <cmath>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -54,4 +55,4 @@ bool MainQueue::isCurrent()
     return app != nullptr && QThread::currentThread() == app->thread();
 }
 
-} // namespace platform
+} // namespace Platform

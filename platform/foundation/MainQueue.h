@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The GUI thread's queue: runs blocks later, one at a time, in the order they were handed in.
 // Any thread may hand in a block; blocks always run on the GUI thread, while the application
 // object exists (without one they are dropped with a warning).
@@ -5,7 +6,7 @@
 
 #include <functional>
 
-namespace platform {
+namespace Platform {
 
 class MainQueue
 {
@@ -21,4 +22,4 @@ public:
     static bool isCurrent();
 };
 
-} // namespace platform
+} // namespace Platform

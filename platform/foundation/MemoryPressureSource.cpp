@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/MemoryPressureSource.h"
 
 #include <QFile>
@@ -12,7 +13,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 Q_LOGGING_CATEGORY(memoryPressureLog, "Ondrilet.MemoryPressure")
 
@@ -166,4 +167,4 @@ void MemoryPressureSource::quietSpellEnded()
     emit pressureChanged();
 }
 
-} // namespace platform
+} // namespace Platform

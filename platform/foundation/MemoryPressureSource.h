@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tells when the system's memory pressure changes: a kernel pressure-stall trigger on
 // /proc/pressure/memory raises it, and a quiet spell afterwards marks the return to normal.
 // Where the kernel offers no trigger (or refuses one), the source is simply silent. GUI thread.
@@ -9,7 +10,7 @@
 
 class QSocketNotifier;
 
-namespace platform {
+namespace Platform {
 
 class MemoryPressureSource : public QObject
 {
@@ -59,4 +60,4 @@ private:
     bool m_underPressure = false;
 };
 
-} // namespace platform
+} // namespace Platform

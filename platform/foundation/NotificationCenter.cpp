@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/NotificationCenter.h"
 
 #include "platform/foundation/MainQueue.h"
 
 #include <QList>
 
-namespace platform {
+namespace Platform {
 
 NotificationCenter::NotificationCenter(QObject* parent)
     : QObject(parent)
@@ -126,4 +127,4 @@ void NotificationCenter::forget(const QObject* observer)
     m_destroyedConnections.remove(observer);
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Notifications by name inside the process: any thread posts, observers hear it on the GUI thread.
 // An observation belongs to a QObject and ends with it. Observers are added and removed on the
 // GUI thread; `post` may be called from any thread.
@@ -14,7 +15,7 @@
 #include <map>
 #include <mutex>
 
-namespace platform {
+namespace Platform {
 
 class NotificationCenter : public QObject
 {
@@ -69,4 +70,4 @@ private:
     std::uint64_t m_nextId = 1;
 };
 
-} // namespace platform
+} // namespace Platform

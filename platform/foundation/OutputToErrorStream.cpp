@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/OutputToErrorStream.h"
 
 #include <cstdio>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 OutputToErrorStream::OutputToErrorStream()
 {
@@ -22,4 +23,4 @@ OutputToErrorStream::~OutputToErrorStream()
     }
 }
 
-} // namespace platform
+} // namespace Platform

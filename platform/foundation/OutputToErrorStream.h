@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // While an object of it lives, what the program writes to standard output lands on standard error
 // (so that console lines do not mix with a document printed on standard output). Main thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 class OutputToErrorStream
 {
@@ -16,4 +17,4 @@ private:
     int m_saved = -1;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/PathAccess.h"
 
 #include "platform/foundation/FileSystemError.h"
@@ -10,7 +11,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -81,4 +82,4 @@ std::optional<qint64> PathAccess::availableBytes(const QString& path)
     return static_cast<qint64>(blocks * blockBytes);
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a path leads to and what this process may do with it, following links: existence, the
 // access rights of the effective user, whether it is a directory, the room on its volume.
 // Stateless; any thread.
@@ -7,7 +8,7 @@
 
 #include <optional>
 
-namespace platform {
+namespace Platform {
 
 class PathAccess
 {
@@ -28,16 +29,16 @@ public:
     // True when `path` leads to a directory.
     static bool isDirectory(const QString& path);
 
-    // Throws platform::FileSystemError (a read) when nothing can be reached at `path`, or
+    // Throws Platform::FileSystemError (a read) when nothing can be reached at `path`, or
     // ENOTDIR when what is there is no directory.
     static void requireDirectory(const QString& path);
-    // Throws platform::FileSystemError (a read) when nothing can be reached at `path`.
+    // Throws Platform::FileSystemError (a read) when nothing can be reached at `path`.
     static void requireExists(const QString& path);
 
     // Bytes free to an unprivileged user on the volume holding `path` (the root reserve is not
     // counted); nothing when the volume reports no blocks at all (as /proc). Throws
-    // platform::FileSystemError when the volume cannot be asked.
+    // Platform::FileSystemError when the volume cannot be asked.
     static std::optional<qint64> availableBytes(const QString& path);
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/ResidentMemory.h"
 
 #include <QFile>
 
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 qint64 ResidentMemory::residentBytes()
 {
@@ -28,4 +29,4 @@ qint64 ResidentMemory::residentBytes(const QString& statmPath)
     return pages * pageBytes;
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The process's resident memory: the pages of it that are in RAM now, in bytes, as the kernel
 // counts them for this process. Any thread.
 #pragma once
 
 #include <QString>
 
-namespace platform {
+namespace Platform {
 
 class ResidentMemory
 {
@@ -15,4 +16,4 @@ public:
     static qint64 residentBytes(const QString& statmPath);
 };
 
-} // namespace platform
+} // namespace Platform

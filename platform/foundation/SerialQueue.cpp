@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/SerialQueue.h"
 
 #include <exception>
 #include <pthread.h>
 
-namespace platform {
+namespace Platform {
 
 SerialQueue::SerialQueue(QString label)
     : m_label(std::move(label))
@@ -78,4 +79,4 @@ void SerialQueue::invoke(const QString& label, const std::function<void()>& bloc
     }
 }
 
-} // namespace platform
+} // namespace Platform

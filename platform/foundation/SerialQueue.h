@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A serial queue: one worker thread of its own runs the queued blocks one at a time, in order.
 // `sync` runs a block on the caller's thread while no block of the queue runs. Any thread may
 // use a queue; the one that owns it destroys it, never one of its own blocks.
@@ -11,7 +12,7 @@
 #include <mutex>
 #include <thread>
 
-namespace platform {
+namespace Platform {
 
 class SerialQueue
 {
@@ -49,4 +50,4 @@ private:
     std::thread m_worker;
 };
 
-} // namespace platform
+} // namespace Platform

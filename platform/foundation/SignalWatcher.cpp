@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/SignalWatcher.h"
 
 #include <QSocketNotifier>
@@ -8,7 +9,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -89,4 +90,4 @@ void SignalWatcher::drainPipe()
         m_notifier->setEnabled(false);
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Delivers a Unix signal (SIGINT, SIGTERM, SIGHUP …) as a Qt signal on the main loop, so that
 // the program can end a conversion cleanly instead of dying inside a file. The handler only
 // writes a byte to a pipe that a socket notifier reads. The first `catches` arrivals are
@@ -10,7 +11,7 @@
 
 class QSocketNotifier;
 
-namespace platform {
+namespace Platform {
 
 class SignalWatcher : public QObject
 {
@@ -40,4 +41,4 @@ private:
     QSocketNotifier* m_notifier = nullptr;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/StandardOutputRelay.h"
 
 #include "platform/foundation/TerminalStreams.h"
@@ -7,7 +8,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 StandardOutputRelay::~StandardOutputRelay()
 {
@@ -68,4 +69,4 @@ void StandardOutputRelay::run(int readEnd, const Sink& sink)
     ::close(readEnd);
 }
 
-} // namespace platform
+} // namespace Platform

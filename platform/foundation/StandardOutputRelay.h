@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Takes standard output over with a pipe and hands what the program writes there, chunk by chunk,
 // to a sink on a thread of its own, which may pass it on to the real standard output. Start and
 // stop on one thread (the main one); the sink runs on the relay's thread.
@@ -8,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-namespace platform {
+namespace Platform {
 
 class StandardOutputRelay
 {
@@ -37,4 +38,4 @@ private:
     std::thread m_thread;
 };
 
-} // namespace platform
+} // namespace Platform

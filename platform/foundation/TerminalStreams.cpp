@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/TerminalStreams.h"
 
 #include <cerrno>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -47,4 +48,4 @@ void TerminalStreams::writeAll(int descriptor, const char* data, qsizetype size)
     }
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The process's standard output and standard error at the level of the terminal: whether each
 // is one, how wide the terminal is, and writes that are neither buffered nor cut short by a
 // signal. Any thread.
@@ -5,7 +6,7 @@
 
 #include <QtGlobal>
 
-namespace platform {
+namespace Platform {
 
 class TerminalStreams
 {
@@ -27,4 +28,4 @@ public:
     static void writeAll(int descriptor, const char* data, qsizetype size);
 };
 
-} // namespace platform
+} // namespace Platform

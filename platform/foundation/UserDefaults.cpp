@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/UserDefaults.h"
 
 #include <QDir>
@@ -7,7 +8,7 @@
 #include <QStandardPaths>
 #include <QVariant>
 
-namespace platform {
+namespace Platform {
 
 Q_LOGGING_CATEGORY(userDefaultsLog, "Ondrilet.UserDefaults")
 
@@ -306,4 +307,4 @@ std::optional<QString> UserDefaults::read(const QString& key) const
     return value.toString();
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's persistent preferences: string keys holding data, dates, strings, Booleans or
 // integers, in one settings file (~/.config/Ondrilet/Ondrilet.conf). Each value keeps its type in
 // the file, so a date never reads back as a string nor a Boolean as an integer. GUI thread only.
@@ -13,7 +14,7 @@
 
 class QSettings;
 
-namespace platform {
+namespace Platform {
 
 class UserDefaults
 {
@@ -72,4 +73,4 @@ private:
     std::unique_ptr<QSettings> m_settings;
 };
 
-} // namespace platform
+} // namespace Platform

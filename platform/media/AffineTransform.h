@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A 2-D affine map of picture coordinates (x, y) to (a·x + c·y + tx, b·x + d·y + ty), the form a
 // track matrix and a composition layer use. A plain value: any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 struct AffineTransform
 {
@@ -42,4 +43,4 @@ struct AffineTransform
     friend constexpr bool operator==(const AffineTransform&, const AffineTransform&) = default;
 };
 
-} // namespace platform
+} // namespace Platform

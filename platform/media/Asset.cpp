@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/Asset.h"
 
 #include "platform/media/internal/AssetState.h"
@@ -12,10 +13,10 @@ extern "C" {
 
 #include <algorithm>
 
-namespace platform {
+namespace Platform {
 
 Asset::Asset(QString path)
-    : m_state(std::make_shared<internal::AssetState>(std::move(path)))
+    : m_state(std::make_shared<Internal::AssetState>(std::move(path)))
 {}
 
 const QString& Asset::path() const
@@ -50,7 +51,7 @@ MediaTime Asset::duration() const
 std::vector<AssetTrack> Asset::tracks(MediaType mediaType) const
 {
     std::vector<AssetTrack> result;
-    for (const internal::TrackInfo& track : m_state->info().tracks) {
+    for (const Internal::TrackInfo& track : m_state->info().tracks) {
         if (track.mediaType == mediaType)
             result.emplace_back(m_state, track.streamIndex);
     }
@@ -60,7 +61,7 @@ std::vector<AssetTrack> Asset::tracks(MediaType mediaType) const
 std::vector<AssetTrack> Asset::tracks() const
 {
     std::vector<AssetTrack> result;
-    for (const internal::TrackInfo& track : m_state->info().tracks)
+    for (const Internal::TrackInfo& track : m_state->info().tracks)
         result.emplace_back(m_state, track.streamIndex);
     return result;
 }
@@ -70,7 +71,7 @@ void Asset::probe() const
     m_state->info();
 }
 
-QFuture<void> Asset::probeInBackground(const std::shared_ptr<internal::AssetState>& state)
+QFuture<void> Asset::probeInBackground(const std::shared_ptr<Internal::AssetState>& state)
 {
     if (state->isProbed())
         return QtFuture::makeReadyFuture();
@@ -151,4 +152,4 @@ QCoro::Task<std::vector<AssetTrack>> Asset::loadTracks(MediaType mediaType) cons
     co_return self.tracks(mediaType);
 }
 
-} // namespace platform
+} // namespace Platform

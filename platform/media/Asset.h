@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A media file opened for reading: whether it can be read, its duration, tracks and tags. The
 // loads are awaitable on the main thread (the first one probes the file on a worker thread,
 // later ones reuse what it found); the plain accessors serve worker threads and may block
@@ -17,9 +18,9 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class AssetState;
 }
 
@@ -55,14 +56,14 @@ public:
     QCoro::Task<MediaTime> loadDuration() const;
     QCoro::Task<std::vector<AssetTrack>> loadTracks(MediaType mediaType) const;
 
-    const std::shared_ptr<internal::AssetState>& state() const { return m_state; }
+    const std::shared_ptr<Internal::AssetState>& state() const { return m_state; }
 
     // The probe of `state` on a worker thread, or a finished future when it is done already.
     // Coroutines await it through a named local.
-    static QFuture<void> probeInBackground(const std::shared_ptr<internal::AssetState>& state);
+    static QFuture<void> probeInBackground(const std::shared_ptr<Internal::AssetState>& state);
 
 private:
-    std::shared_ptr<internal::AssetState> m_state;
+    std::shared_ptr<Internal::AssetState> m_state;
 };
 
-} // namespace platform
+} // namespace Platform

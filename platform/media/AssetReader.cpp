@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetReader.h"
 
 #include "platform/media/internal/AssetState.h"
@@ -5,7 +6,7 @@
 
 #include <QLoggingCategory>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 Q_LOGGING_CATEGORY(readerLog, "Ondrilet.AssetReader")
@@ -13,7 +14,7 @@ Q_LOGGING_CATEGORY(readerLog, "Ondrilet.AssetReader")
 
 AssetReader::AssetReader(Asset asset)
     : m_asset(std::move(asset))
-    , m_state(std::make_shared<internal::ReaderState>())
+    , m_state(std::make_shared<Internal::ReaderState>())
 {
     m_asset.probe();
 }
@@ -22,7 +23,7 @@ AssetReader::~AssetReader() = default;
 
 bool AssetReader::canAdd(const AssetReaderOutput& output) const
 {
-    return m_state->status() == internal::ReaderState::unknown && !output.m_reader &&
+    return m_state->status() == Internal::ReaderState::unknown && !output.m_reader &&
            output.canReadFrom(m_asset);
 }
 
@@ -39,13 +40,13 @@ void AssetReader::add(std::shared_ptr<AssetReaderOutput> output)
 bool AssetReader::startReading()
 {
     const std::lock_guard lock(m_state->mutex);
-    if (m_state->status() != internal::ReaderState::unknown)
+    if (m_state->status() != Internal::ReaderState::unknown)
         return false;
     try {
         std::set<int> streams;
         for (const auto& output : m_outputs)
             streams.merge(output->sourceStreams());
-        m_state->start(std::make_unique<internal::ReaderSource>(m_asset.path(), streams),
+        m_state->start(std::make_unique<Internal::ReaderSource>(m_asset.path(), streams),
                        static_cast<int>(m_outputs.size()));
         for (const auto& output : m_outputs)
             output->startReading();
@@ -71,4 +72,4 @@ std::optional<MediaError> AssetReader::error() const
     return m_state->error();
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the tracks of an asset through the outputs added to it. Set it up and start it on one
 // thread; afterwards its outputs may be pulled from a worker queue while any thread reads
 // status() and error() or calls cancelReading().
@@ -11,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
 class AssetReader
 {
@@ -50,8 +51,8 @@ public:
 
 private:
     Asset m_asset;
-    std::shared_ptr<internal::ReaderState> m_state;
+    std::shared_ptr<Internal::ReaderState> m_state;
     std::vector<std::shared_ptr<AssetReaderOutput>> m_outputs;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetReaderOutput.h"
 
 #include "platform/media/internal/ReaderState.h"
 
-namespace platform {
+namespace Platform {
 
 AssetReaderOutput::~AssetReaderOutput() = default;
 
-} // namespace platform
+} // namespace Platform

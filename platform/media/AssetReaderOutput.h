@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What all outputs of an AssetReader share: the media type they deliver, whether each buffer
 // must be private to its user, and the hooks the reader calls when it starts. Set up on one
 // thread before reading starts.
@@ -8,11 +9,11 @@
 #include <memory>
 #include <set>
 
-namespace platform {
+namespace Platform {
 
 class Asset;
 
-namespace internal {
+namespace Internal {
 class ReaderState;
 }
 
@@ -34,7 +35,7 @@ protected:
     AssetReaderOutput() = default;
 
     // The reader this output was added to; null before add().
-    const std::shared_ptr<internal::ReaderState>& reader() const { return m_reader; }
+    const std::shared_ptr<Internal::ReaderState>& reader() const { return m_reader; }
 
 private:
     friend class AssetReader;
@@ -47,8 +48,8 @@ private:
     // MediaError when the output cannot start (decoderNotFound, …).
     virtual void startReading() = 0;
 
-    std::shared_ptr<internal::ReaderState> m_reader;
+    std::shared_ptr<Internal::ReaderState> m_reader;
     bool m_alwaysCopiesSampleData = true;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetReaderTrackOutput.h"
 
 #include "platform/media/Asset.h"
@@ -5,7 +6,7 @@
 #include "platform/media/internal/ReaderState.h"
 #include "platform/media/internal/VideoTrackDecoder.h"
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -89,18 +90,18 @@ void AssetReaderTrackOutput::startReading()
 {
     if (m_track.mediaType() == MediaType::video) {
         m_videoDecoder =
-            std::make_unique<internal::VideoTrackDecoder>(*reader()->source(), m_track.trackId());
+            std::make_unique<Internal::VideoTrackDecoder>(*reader()->source(), m_track.trackId());
         return;
     }
     const Form form = *formFor(m_outputSettings);
-    m_decoder = std::make_unique<internal::AudioTrackDecoder>(
+    m_decoder = std::make_unique<Internal::AudioTrackDecoder>(
         *reader()->source(), m_track.trackId(),
-        internal::AudioTrackDecoder::Target{form.format, form.sampleRate, form.channelCount});
+        Internal::AudioTrackDecoder::Target{form.format, form.sampleRate, form.channelCount});
 }
 
 std::shared_ptr<SampleBuffer> AssetReaderTrackOutput::copyNextSampleBuffer()
 {
-    const std::shared_ptr<internal::ReaderState>& state = reader();
+    const std::shared_ptr<Internal::ReaderState>& state = reader();
     if (!state)
         return nullptr;
     const std::lock_guard lock(state->mutex);
@@ -121,4 +122,4 @@ std::shared_ptr<SampleBuffer> AssetReaderTrackOutput::copyNextSampleBuffer()
     }
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads one track as sample buffers. Audio in the form its settings ask for: interleaved
 // little-endian float32 at the source's rate and channel count (the engine's decode settings),
 // or 16-bit integers at a given rate and channel count. Video (settings empty or BGRA): one
@@ -13,12 +14,12 @@
 #include <memory>
 #include <optional>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class AudioTrackDecoder;
 class VideoTrackDecoder;
-} // namespace internal
+} // namespace Internal
 
 class AssetReaderTrackOutput : public AssetReaderOutput
 {
@@ -54,9 +55,9 @@ private:
 
     AssetTrack m_track;
     SettingsDictionary m_outputSettings;
-    std::unique_ptr<internal::AudioTrackDecoder> m_decoder;
-    std::unique_ptr<internal::VideoTrackDecoder> m_videoDecoder;
+    std::unique_ptr<Internal::AudioTrackDecoder> m_decoder;
+    std::unique_ptr<Internal::VideoTrackDecoder> m_videoDecoder;
     bool m_ended = false;
 };
 
-} // namespace platform
+} // namespace Platform

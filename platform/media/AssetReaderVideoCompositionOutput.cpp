@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetReaderVideoCompositionOutput.h"
 
 #include "platform/media/Asset.h"
@@ -5,7 +6,7 @@
 #include "platform/media/internal/ReaderState.h"
 #include "platform/media/internal/VideoCompositor.h"
 
-namespace platform {
+namespace Platform {
 
 AssetReaderVideoCompositionOutput::AssetReaderVideoCompositionOutput(
     std::vector<AssetTrack> videoTracks, SettingsDictionary videoSettings)
@@ -34,18 +35,18 @@ bool AssetReaderVideoCompositionOutput::canReadFrom(const Asset& asset) const
 
 std::set<int> AssetReaderVideoCompositionOutput::sourceStreams() const
 {
-    return {internal::VideoCompositor::drawnTrack(m_tracks, *m_composition).trackId()};
+    return {Internal::VideoCompositor::drawnTrack(m_tracks, *m_composition).trackId()};
 }
 
 void AssetReaderVideoCompositionOutput::startReading()
 {
     m_compositor =
-        std::make_unique<internal::VideoCompositor>(*reader()->source(), m_tracks, *m_composition);
+        std::make_unique<Internal::VideoCompositor>(*reader()->source(), m_tracks, *m_composition);
 }
 
 std::shared_ptr<SampleBuffer> AssetReaderVideoCompositionOutput::copyNextSampleBuffer()
 {
-    const std::shared_ptr<internal::ReaderState>& state = reader();
+    const std::shared_ptr<Internal::ReaderState>& state = reader();
     if (!state)
         return nullptr;
     const std::lock_guard lock(state->mutex);
@@ -65,4 +66,4 @@ std::shared_ptr<SampleBuffer> AssetReaderVideoCompositionOutput::copyNextSampleB
     }
 }
 
-} // namespace platform
+} // namespace Platform

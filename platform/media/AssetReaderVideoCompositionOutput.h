@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the video tracks of an asset through a video composition: one picture per frameDuration
 // from time zero to the asset's duration, each the latest source frame at or before its time,
 // drawn into renderSize with the layer's transform (what falls outside is cut off, what is not
@@ -14,9 +15,9 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class VideoCompositor;
 }
 
@@ -52,8 +53,8 @@ private:
     std::vector<AssetTrack> m_tracks;
     SettingsDictionary m_settings;
     std::optional<VideoComposition> m_composition;
-    std::unique_ptr<internal::VideoCompositor> m_compositor;
+    std::unique_ptr<Internal::VideoCompositor> m_compositor;
     bool m_ended = false;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetTrack.h"
 
 #include "platform/media/Asset.h"
@@ -5,16 +6,16 @@
 
 #include <QCoro/QCoroFuture>
 
-namespace platform {
+namespace Platform {
 
-AssetTrack::AssetTrack(std::shared_ptr<internal::AssetState> asset, int streamIndex)
+AssetTrack::AssetTrack(std::shared_ptr<Internal::AssetState> asset, int streamIndex)
     : m_asset(std::move(asset))
     , m_streamIndex(streamIndex)
 {}
 
-const internal::TrackInfo& AssetTrack::info() const
+const Internal::TrackInfo& AssetTrack::info() const
 {
-    for (const internal::TrackInfo& track : m_asset->info().tracks) {
+    for (const Internal::TrackInfo& track : m_asset->info().tracks) {
         if (track.streamIndex == m_streamIndex)
             return track;
     }
@@ -110,4 +111,4 @@ QString AssetTrack::assetPath() const
     return m_asset->path();
 }
 
-} // namespace platform
+} // namespace Platform

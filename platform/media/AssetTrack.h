@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One track of an asset: its identity, media type, whether it is enabled, its format
 // descriptions and, for video, its display size, matrix, frame rate and data rate. Loads are
 // awaitable on the main thread; the plain accessors serve any thread (they may block for the
@@ -14,17 +15,17 @@
 #include <memory>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class AssetState;
 struct TrackInfo;
-} // namespace internal
+} // namespace Internal
 
 class AssetTrack
 {
 public:
-    AssetTrack(std::shared_ptr<internal::AssetState> asset, int streamIndex);
+    AssetTrack(std::shared_ptr<Internal::AssetState> asset, int streamIndex);
 
     // The container's stream index.
     int trackId() const { return m_streamIndex; }
@@ -53,7 +54,7 @@ public:
     // The path of the file the track belongs to.
     QString assetPath() const;
 
-    const std::shared_ptr<internal::AssetState>& assetState() const { return m_asset; }
+    const std::shared_ptr<Internal::AssetState>& assetState() const { return m_asset; }
 
     friend bool operator==(const AssetTrack& a, const AssetTrack& b)
     {
@@ -61,10 +62,10 @@ public:
     }
 
 private:
-    const internal::TrackInfo& info() const;
+    const Internal::TrackInfo& info() const;
 
-    std::shared_ptr<internal::AssetState> m_asset;
+    std::shared_ptr<Internal::AssetState> m_asset;
     int m_streamIndex;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetWriter.h"
 
 #include "platform/media/internal/AudioEncoder.h"
@@ -20,7 +21,7 @@ extern "C" {
 #include <cerrno>
 #include <sys/stat.h>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -41,34 +42,34 @@ bool muxerStores(FileType type, AVCodecID codec)
     return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;
 }
 
-std::unique_ptr<internal::AudioEncoder> audioEncoderFor(const internal::InputState& input,
+std::unique_ptr<Internal::AudioEncoder> audioEncoderFor(const Internal::InputState& input,
                                                         FileType type)
 {
-    const std::optional<internal::AudioEncoding> encoding =
-        internal::audioEncodingFor(input.settings);
-    if (!encoding || !internal::containerCarries(type, encoding->codec))
+    const std::optional<Internal::AudioEncoding> encoding =
+        Internal::audioEncodingFor(input.settings);
+    if (!encoding || !Internal::containerCarries(type, encoding->codec))
         return nullptr;
     // WAV has no way to say big-endian.
     if (type == FileType::wave && encoding->bigEndian.value_or(false))
         return nullptr;
-    auto encoder = std::make_unique<internal::AudioEncoder>(*encoding, type, input.sourceBitDepth);
+    auto encoder = std::make_unique<Internal::AudioEncoder>(*encoding, type, input.sourceBitDepth);
     if (!muxerStores(type, encoder->codecId()))
         return nullptr;
     return encoder;
 }
 
-std::unique_ptr<internal::VideoEncoder> videoEncoderFor(const internal::InputState& input,
+std::unique_ptr<Internal::VideoEncoder> videoEncoderFor(const Internal::InputState& input,
                                                         FileType type)
 {
-    const std::optional<internal::VideoEncoding> encoding =
-        internal::videoEncodingFor(input.settings);
-    if (!encoding || !internal::containerCarries(type, encoding->codec))
+    const std::optional<Internal::VideoEncoding> encoding =
+        Internal::videoEncodingFor(input.settings);
+    if (!encoding || !Internal::containerCarries(type, encoding->codec))
         return nullptr;
-    return std::make_unique<internal::VideoEncoder>(*encoding, type, input.sourceExtensions,
+    return std::make_unique<Internal::VideoEncoder>(*encoding, type, input.sourceExtensions,
                                                     input.expectedFrameRate);
 }
 
-std::unique_ptr<internal::InputEncoder> encoderFor(const internal::InputState& input, FileType type)
+std::unique_ptr<Internal::InputEncoder> encoderFor(const Internal::InputState& input, FileType type)
 {
     if (input.mediaType == MediaType::video)
         return videoEncoderFor(input, type);
@@ -103,7 +104,7 @@ QByteArray textOf(const QVariant& value)
 } // namespace
 
 AssetWriter::AssetWriter(QString outputPath, FileType fileType)
-    : m_state(std::make_shared<internal::WriterState>(std::move(outputPath), fileType))
+    : m_state(std::make_shared<Internal::WriterState>(std::move(outputPath), fileType))
 {
     const QString& path = m_state->path;
     struct stat status = {};
@@ -113,9 +114,9 @@ AssetWriter::AssetWriter(QString outputPath, FileType fileType)
             QStringLiteral("The file “%1” already exists").arg(QFileInfo(path).fileName()));
     const QFileInfo folder(QFileInfo(path).path());
     if (!folder.exists())
-        throw internal::mediaErrorFromErrno(ENOENT, QStringLiteral("Cannot create"), path);
+        throw Internal::mediaErrorFromErrno(ENOENT, QStringLiteral("Cannot create"), path);
     if (!folder.isDir())
-        throw internal::mediaErrorFromErrno(ENOTDIR, QStringLiteral("Cannot create"), path);
+        throw Internal::mediaErrorFromErrno(ENOTDIR, QStringLiteral("Cannot create"), path);
 }
 
 AssetWriter::~AssetWriter() = default;
@@ -133,7 +134,7 @@ FileType AssetWriter::fileType() const
 bool AssetWriter::canAdd(const AssetWriterInput& input) const
 {
     const std::lock_guard lock(m_state->mutex);
-    if (m_state->status() != internal::WriterState::unknown || !input.state()->writer.expired())
+    if (m_state->status() != Internal::WriterState::unknown || !input.state()->writer.expired())
         return false;
     if (isAudioOnly(m_state->fileType) && !m_state->inputs.empty())
         return false;
@@ -166,7 +167,7 @@ void AssetWriter::setMetadata(std::vector<MetadataItem> items)
 bool AssetWriter::startWriting()
 {
     const std::lock_guard lock(m_state->mutex);
-    if (m_state->status() != internal::WriterState::unknown)
+    if (m_state->status() != Internal::WriterState::unknown)
         return false;
     // Keys with a dot cannot live in QuickTime user data; once one is there, every tag is
     // written as a metadata key, the common ones under the names players read.
@@ -199,11 +200,11 @@ void AssetWriter::startSession(MediaTime time)
 
 void AssetWriter::finishWriting(std::function<void()> completion)
 {
-    std::shared_ptr<internal::WriterState> state = m_state;
+    std::shared_ptr<Internal::WriterState> state = m_state;
     bool finish = false;
     {
         const std::lock_guard lock(state->mutex);
-        if (state->status() == internal::WriterState::writing && !state->finishing) {
+        if (state->status() == Internal::WriterState::writing && !state->finishing) {
             state->finishing = true;
             finish = true;
         }
@@ -227,12 +228,12 @@ void AssetWriter::cancelWriting()
 
 QStringList AssetWriter::discardUnfinishedOutputs()
 {
-    return internal::OpenOutputs::discardAll();
+    return Internal::OpenOutputs::discardAll();
 }
 
 bool AssetWriter::isUnfinishedOutput(const QString& path)
 {
-    return internal::OpenOutputs::isUnfinished(path);
+    return Internal::OpenOutputs::isUnfinished(path);
 }
 
 AssetWriter::Status AssetWriter::status() const
@@ -245,4 +246,4 @@ std::optional<MediaError> AssetWriter::error() const
     return m_state->error();
 }
 
-} // namespace platform
+} // namespace Platform

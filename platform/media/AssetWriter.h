@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes one new media file of a given type from the inputs added to it. Set it up on one
 // thread; after startWriting the inputs are fed from their queues, while any thread may read
 // status() and error(). finishWriting completes on a worker thread.
@@ -17,9 +18,9 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class WriterState;
 }
 
@@ -87,9 +88,9 @@ public:
     std::optional<MediaError> error() const;
 
 private:
-    std::shared_ptr<internal::WriterState> m_state;
+    std::shared_ptr<Internal::WriterState> m_state;
     std::vector<AssetWriterInput> m_inputs;
     std::vector<MetadataItem> m_metadata;
 };
 
-} // namespace platform
+} // namespace Platform

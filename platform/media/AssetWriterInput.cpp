@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetWriterInput.h"
 
 #include "platform/media/internal/AudioEncoder.h"
 #include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -26,7 +27,7 @@ MediaTime sessionOffset(MediaTime time, MediaTime sessionStart)
 
 AssetWriterInput::AssetWriterInput(MediaType mediaType, SettingsDictionary outputSettings,
                                    std::optional<FormatDescription> sourceFormatHint)
-    : m_state(std::make_shared<internal::InputState>(mediaType, std::move(outputSettings)))
+    : m_state(std::make_shared<Internal::InputState>(mediaType, std::move(outputSettings)))
 {
     if (sourceFormatHint && sourceFormatHint->streamBasicDescription)
         m_state->sourceBitDepth =
@@ -62,7 +63,7 @@ void AssetWriterInput::setExpectedFrameRate(double framesPerSecond)
 
 bool AssetWriterInput::isReadyForMoreMediaData() const
 {
-    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    const std::shared_ptr<Internal::WriterState> writer = m_state->writer.lock();
     if (!writer)
         return false;
     const std::lock_guard lock(writer->mutex);
@@ -72,7 +73,7 @@ bool AssetWriterInput::isReadyForMoreMediaData() const
 void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue,
                                                  std::function<void()> block) const
 {
-    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    const std::shared_ptr<Internal::WriterState> writer = m_state->writer.lock();
     if (!writer)
         return;
     const std::lock_guard lock(writer->mutex);
@@ -85,22 +86,22 @@ void AssetWriterInput::requestMediaDataWhenReady(SerialQueue& queue,
 
 bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
 {
-    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    const std::shared_ptr<Internal::WriterState> writer = m_state->writer.lock();
     if (!writer || !buffer || !buffer->isValid())
         return false;
     const std::lock_guard lock(writer->mutex);
-    if (writer->status() != internal::WriterState::writing || writer->finishing ||
+    if (writer->status() != Internal::WriterState::writing || writer->finishing ||
         m_state->finished)
         return false;
     const MediaTime offset = sessionOffset(buffer->presentationTime(), writer->sessionStart);
     try {
         if (m_state->mediaType == MediaType::video) {
-            auto* encoder = dynamic_cast<internal::VideoEncoder*>(m_state->encoder.get());
+            auto* encoder = dynamic_cast<Internal::VideoEncoder*>(m_state->encoder.get());
             if (!encoder || !buffer->imageBuffer())
                 return false;
             encoder->encode(*buffer->imageBuffer(), offset, buffer->duration(), *writer);
         } else {
-            auto* encoder = dynamic_cast<internal::AudioEncoder*>(m_state->encoder.get());
+            auto* encoder = dynamic_cast<Internal::AudioEncoder*>(m_state->encoder.get());
             if (!encoder || buffer->imageBuffer())
                 return false;
             encoder->encode(*buffer, offset, *writer);
@@ -118,7 +119,7 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
 
 void AssetWriterInput::markAsFinished() const
 {
-    const std::shared_ptr<internal::WriterState> writer = m_state->writer.lock();
+    const std::shared_ptr<Internal::WriterState> writer = m_state->writer.lock();
     if (!writer) {
         m_state->finished = true;
         return;
@@ -127,7 +128,7 @@ void AssetWriterInput::markAsFinished() const
     if (m_state->finished)
         return;
     m_state->finished = true;
-    if (writer->status() == internal::WriterState::writing && !writer->finishing &&
+    if (writer->status() == Internal::WriterState::writing && !writer->finishing &&
         m_state->encoder) {
         try {
             m_state->encoder->finish(*writer);
@@ -138,4 +139,4 @@ void AssetWriterInput::markAsFinished() const
     writer->wakeInputs(m_state.get());
 }
 
-} // namespace platform
+} // namespace Platform

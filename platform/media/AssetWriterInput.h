@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One track to be written: its media type and the settings that choose its encoder. The pump
 // that feeds it runs on a SerialQueue through requestMediaDataWhenReady; append and
 // markAsFinished are called from there. Copies are handles to the same input, so the calls
@@ -13,11 +14,11 @@
 #include <memory>
 #include <optional>
 
-namespace platform {
+namespace Platform {
 
 class SerialQueue;
 
-namespace internal {
+namespace Internal {
 class InputState;
 }
 
@@ -65,10 +66,10 @@ public:
     // No more data: drains the encoder. Further appends fail.
     void markAsFinished() const;
 
-    const std::shared_ptr<internal::InputState>& state() const { return m_state; }
+    const std::shared_ptr<Internal::InputState>& state() const { return m_state; }
 
 private:
-    std::shared_ptr<internal::InputState> m_state;
+    std::shared_ptr<Internal::InputState> m_state;
 };
 
-} // namespace platform
+} // namespace Platform

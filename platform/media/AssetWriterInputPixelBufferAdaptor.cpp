@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/AssetWriterInputPixelBufferAdaptor.h"
 
-namespace platform {
+namespace Platform {
 
 AssetWriterInputPixelBufferAdaptor::AssetWriterInputPixelBufferAdaptor(
     AssetWriterInput input, SettingsDictionary sourcePixelBufferAttributes)
@@ -17,4 +18,4 @@ bool AssetWriterInputPixelBufferAdaptor::append(const std::shared_ptr<PixelBuffe
         SampleBuffer::makeVideo(presentationTime, MediaTime::invalid(), pixelBuffer));
 }
 
-} // namespace platform
+} // namespace Platform

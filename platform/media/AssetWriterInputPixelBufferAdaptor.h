@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Appends pictures without sample buffers to a video writer input, each at a time the caller
 // gives. Created before the writer starts; append is called from the input's pump queue.
 #pragma once
@@ -9,7 +10,7 @@
 
 #include <memory>
 
-namespace platform {
+namespace Platform {
 
 class AssetWriterInputPixelBufferAdaptor
 {
@@ -33,4 +34,4 @@ private:
     SettingsDictionary m_attributes;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Names of whole-file export presets. The engine carries them as a vocabulary; no export
 // session stands behind them in this media layer. Any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 enum class ExportPreset
 {
@@ -12,4 +13,4 @@ enum class ExportPreset
     lowQuality,
 };
 
-} // namespace platform
+} // namespace Platform

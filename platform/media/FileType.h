@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The containers the writer can produce, each with its muxer name. Any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 enum class FileType
 {
@@ -33,4 +34,4 @@ constexpr const char* muxerName(FileType type)
     return "";
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a track's samples are: its media type, the codec and its four-character code, for audio
 // the stream basic description, for video the coded size and the extension dictionary (colour
 // tags, field order). A plain value: any thread.
@@ -12,7 +13,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace platform {
+namespace Platform {
 
 // Keys of FormatDescription::extensions. Each key is absent where the file does not say.
 namespace FormatDescriptionExtension {
@@ -73,4 +74,4 @@ struct FormatDescription
     SettingsDictionary extensions;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/MediaError.h"
 
-namespace platform {
+namespace Platform {
 
 MediaError::MediaError(QString domain, int code, QString localizedDescription)
     : m_domain(std::move(domain))
@@ -14,4 +15,4 @@ MediaError MediaError::media(int code, QString localizedDescription)
     return MediaError(mediaDomain, code, std::move(localizedDescription));
 }
 
-} // namespace platform
+} // namespace Platform

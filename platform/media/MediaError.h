@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An error of the media layer: a domain, a numeric code and a text a person can read.
 // Codes of the media domain keep the numbers the engines tell apart (format not recognised,
 // decoder or encoder missing, output exists, broken source data, disk full). Any thread.
@@ -8,7 +9,7 @@
 #include <exception>
 #include <string>
 
-namespace platform {
+namespace Platform {
 
 class MediaError : public std::exception
 {
@@ -46,4 +47,4 @@ private:
     std::string m_what;
 };
 
-} // namespace platform
+} // namespace Platform

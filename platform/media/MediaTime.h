@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A point or span of media time as a rational number: value / timescale seconds.
 // An invalid time stands for "no time" (a frame duration that follows the source). Any thread.
 #pragma once
 
 #include <cstdint>
 
-namespace platform {
+namespace Platform {
 
 struct MediaTime
 {
@@ -33,4 +34,4 @@ struct MediaTime
     }
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A stretch of media time: where it starts and how long it lasts. A plain value: any thread.
 #pragma once
 
 #include "platform/media/MediaTime.h"
 
-namespace platform {
+namespace Platform {
 
 struct MediaTimeRange
 {
@@ -13,4 +14,4 @@ struct MediaTimeRange
     friend constexpr bool operator==(const MediaTimeRange&, const MediaTimeRange&) = default;
 };
 
-} // namespace platform
+} // namespace Platform

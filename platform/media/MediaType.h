@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The kinds of track a media file holds. Any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 enum class MediaType
 {
@@ -9,4 +10,4 @@ enum class MediaType
     video,
 };
 
-} // namespace platform
+} // namespace Platform

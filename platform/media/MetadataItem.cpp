@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/MetadataItem.h"
 
 #include <QHash>
 
-namespace platform {
+namespace Platform {
 
 QString MetadataItem::commonKeyFor(const QString& identifier)
 {
@@ -33,4 +34,4 @@ QString MetadataItem::commonKeyFor(const QString& identifier)
     return commonKeys.value(identifier.toLower());
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One tag of a media file: its identifier as the container names it (the tag key as FFmpeg
 // reports it, e.g. "title", "album", "creation_time"), the common key it stands for across
 // containers (empty when it has none), and its value, which the files we read give as text.
@@ -6,7 +7,7 @@
 #include <QString>
 #include <QVariant>
 
-namespace platform {
+namespace Platform {
 
 struct MetadataItem
 {
@@ -21,4 +22,4 @@ struct MetadataItem
     static QString commonKeyFor(const QString& identifier);
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/PixelBuffer.h"
 
 #include "platform/media/SettingsDictionary.h"
 #include "platform/media/internal/PixelBufferState.h"
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -15,15 +16,15 @@ std::shared_ptr<PixelBuffer> PixelBuffer::create(int width, int height)
 {
     if (width < 1 || height < 1 || width > maximumSide || height > maximumSide)
         return nullptr;
-    internal::FramePtr frame =
-        internal::PixelBufferState::makeBlackFrame(width, height, AV_PIX_FMT_BGRA);
+    Internal::FramePtr frame =
+        Internal::PixelBufferState::makeBlackFrame(width, height, AV_PIX_FMT_BGRA);
     if (!frame)
         return nullptr;
     return std::make_shared<PixelBuffer>(
-        std::make_unique<internal::PixelBufferState>(std::move(frame)));
+        std::make_unique<Internal::PixelBufferState>(std::move(frame)));
 }
 
-PixelBuffer::PixelBuffer(std::unique_ptr<internal::PixelBufferState> state)
+PixelBuffer::PixelBuffer(std::unique_ptr<Internal::PixelBufferState> state)
     : m_state(std::move(state))
 {}
 
@@ -64,4 +65,4 @@ std::size_t PixelBuffer::bytesPerRow() const
     return static_cast<std::size_t>(m_state->bgraLinesize());
 }
 
-} // namespace platform
+} // namespace Platform

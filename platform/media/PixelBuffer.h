@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One picture. A picture from a reader stays in its decoder's own form until someone asks for
 // its pixels: lockBaseAddress() makes the BGRA bytes once; a writer converts it straight to its
 // encoder's size and form without them. Passed as std::shared_ptr; one thread at a time.
@@ -7,9 +8,9 @@
 #include <cstdint>
 #include <memory>
 
-namespace platform {
+namespace Platform {
 
-namespace internal {
+namespace Internal {
 class PixelBufferState;
 }
 
@@ -20,7 +21,7 @@ public:
     // own pixels. Null when the size is out of range.
     static std::shared_ptr<PixelBuffer> create(int width, int height);
 
-    explicit PixelBuffer(std::unique_ptr<internal::PixelBufferState> state);
+    explicit PixelBuffer(std::unique_ptr<Internal::PixelBufferState> state);
     ~PixelBuffer();
     PixelBuffer(const PixelBuffer&) = delete;
     PixelBuffer& operator=(const PixelBuffer&) = delete;
@@ -39,11 +40,11 @@ public:
     std::uint8_t* baseAddress();
     std::size_t bytesPerRow() const;
 
-    internal::PixelBufferState& state() { return *m_state; }
-    const internal::PixelBufferState& state() const { return *m_state; }
+    Internal::PixelBufferState& state() { return *m_state; }
+    const Internal::PixelBufferState& state() const { return *m_state; }
 
 private:
-    std::unique_ptr<internal::PixelBufferState> m_state;
+    std::unique_ptr<Internal::PixelBufferState> m_state;
 };
 
-} // namespace platform
+} // namespace Platform

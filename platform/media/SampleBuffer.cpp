@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/SampleBuffer.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace platform {
+namespace Platform {
 
 namespace {
 
@@ -92,4 +93,4 @@ std::span<const float> SampleBuffer::samples() const
             static_cast<std::size_t>(m_frameCount) * static_cast<std::size_t>(m_channelCount)};
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A block of decoded audio (interleaved samples in one contiguous block, with the time of its
 // first frame) or one decoded video frame (an image buffer with its presentation time and
 // duration). Passed around as std::shared_ptr (the pointer is its identity). One thread at a
@@ -14,7 +15,7 @@
 #include <memory>
 #include <span>
 
-namespace platform {
+namespace Platform {
 
 class SampleBuffer
 {
@@ -102,4 +103,4 @@ private:
     std::unique_ptr<std::byte[]> m_storage;
 };
 
-} // namespace platform
+} // namespace Platform

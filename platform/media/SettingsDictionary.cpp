@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/SettingsDictionary.h"
 
 #include <algorithm>
 
-namespace platform {
+namespace Platform {
 
 SettingsDictionary::SettingsDictionary(std::initializer_list<Entry> entries)
 {
@@ -119,4 +120,4 @@ QString SettingsDictionary::toString() const
     return QStringLiteral("{") + parts.join(QStringLiteral(", ")) + QStringLiteral("}");
 }
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings handed to readers, writer inputs and pixel-buffer adaptors: string keys to values,
 // kept in the order they were set (so logs and comparisons see them as built). The key names and
 // the four-character format codes are constants here. A plain value: any thread.
@@ -13,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
 // A four-character code as an unsigned 32-bit number, first character in the high byte.
 constexpr std::uint32_t fourCharCode(const char (&code)[5])
@@ -124,6 +125,6 @@ private:
     std::vector<Entry> m_entries;
 };
 
-} // namespace platform
+} // namespace Platform
 
-Q_DECLARE_METATYPE(platform::SettingsDictionary)
+Q_DECLARE_METATYPE(Platform::SettingsDictionary)

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A width and height in pixels, as doubles (a track's display size may be fractional in its
 // container). A plain value: any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 struct Size
 {
@@ -12,4 +13,4 @@ struct Size
     friend constexpr bool operator==(const Size&, const Size&) = default;
 };
 
-} // namespace platform
+} // namespace Platform

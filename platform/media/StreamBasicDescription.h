@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How one audio track's samples are laid out in the file: rate, channels, bits and the format
 // code. Compressed formats have no fixed bytes per frame and report 0 there. Any thread.
 #pragma once
 
 #include <cstdint>
 
-namespace platform {
+namespace Platform {
 
 struct StreamBasicDescription
 {
@@ -30,4 +31,4 @@ struct StreamBasicDescription
     bool operator==(const StreamBasicDescription&) const = default;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video codecs the writer can encode, as names of the media layer. Any thread.
 #pragma once
 
-namespace platform {
+namespace Platform {
 
 enum class VideoCodecType
 {
@@ -11,4 +12,4 @@ enum class VideoCodecType
     appleProRes4444,
 };
 
-} // namespace platform
+} // namespace Platform

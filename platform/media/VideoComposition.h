@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a composition output draws its pictures: the size of the render area, the time between
 // two output frames, and the instructions. A plain value: any thread.
 #pragma once
@@ -8,7 +9,7 @@
 
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
 struct VideoComposition
 {
@@ -21,4 +22,4 @@ struct VideoComposition
     std::vector<VideoCompositionInstruction> instructions;
 };
 
-} // namespace platform
+} // namespace Platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One stretch of a video composition and the layers drawn during it, first layer on top. A plain
 // value: any thread.
 #pragma once
@@ -7,7 +8,7 @@
 
 #include <vector>
 
-namespace platform {
+namespace Platform {
 
 struct VideoCompositionInstruction
 {
@@ -15,4 +16,4 @@ struct VideoCompositionInstruction
     std::vector<VideoCompositionLayerInstruction> layerInstructions;
 };
 
-} // namespace platform
+} // namespace Platform

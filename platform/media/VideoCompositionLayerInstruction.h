@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How one source track is drawn in a video composition: the transform from the track's picture
 // (its natural size, origin top left) into the render area. A plain value: any thread.
 #pragma once
@@ -6,7 +7,7 @@
 #include "platform/media/AssetTrack.h"
 #include "platform/media/MediaTime.h"
 
-namespace platform {
+namespace Platform {
 
 class VideoCompositionLayerInstruction
 {
@@ -34,4 +35,4 @@ private:
     MediaTime m_transformTime = MediaTime::zero();
 };
 
-} // namespace platform
+} // namespace Platform

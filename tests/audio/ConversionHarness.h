@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Test helpers for the audio engine: a log of everything a tracker is told, read back from its
 // notifications, and a runner that drives one conversion to its end and keeps what it threw.
 // Test thread (the main thread) only.
@@ -20,7 +21,7 @@
 #include <optional>
 #include <vector>
 
-namespace audiotest {
+namespace AudioTest {
 
 // One line per tracker call, in order:
 //   "start: Starting initializing..."
@@ -100,7 +101,7 @@ struct Outcome
 {
     bool finished = false;
     std::optional<ConversionEngine::ConversionError> conversionError;
-    std::optional<platform::MediaError> mediaError;
+    std::optional<Platform::MediaError> mediaError;
     QString otherError;
     qint64 elapsedMilliseconds = 0;
 
@@ -132,7 +133,7 @@ inline QCoro::Task<> capture(QCoro::Task<> task, Outcome& outcome, QEventLoop& l
         co_await std::move(task);
     } catch (const ConversionEngine::ConversionError& conversionError) {
         outcome.conversionError = conversionError;
-    } catch (const platform::MediaError& mediaError) {
+    } catch (const Platform::MediaError& mediaError) {
         outcome.mediaError = mediaError;
     } catch (const std::exception& otherError) {
         outcome.otherError = QString::fromUtf8(otherError.what());
@@ -184,4 +185,4 @@ settingsFor(ConversionEngine::AudioCodec codec,
     return settings;
 }
 
-} // namespace audiotest
+} // namespace AudioTest

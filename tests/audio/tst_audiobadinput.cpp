@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sources and settings the audio engine must refuse: each ends in its exact error and tracker
 // texts within seconds, leaves the source as it was and crashes nothing.
 #include "ConversionEngine/audio/AudioConverter.h"
@@ -18,7 +19,7 @@
 #include <unistd.h>
 
 using namespace ConversionEngine;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -85,20 +86,20 @@ private:
 
     // Converts `source` to a WAV and notes in m_problems whether the refusal came slowly, changed
     // the source or left an output.
-    audiotest::Outcome refuse(const QString& source, QStringList* trackerLines = nullptr,
+    AudioTest::Outcome refuse(const QString& source, QStringList* trackerLines = nullptr,
                               AudioFormat format = AudioFormat::wav,
-                              const AudioSettings& settings = audiotest::settingsFor(
+                              const AudioSettings& settings = AudioTest::settingsFor(
                                   AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16),
                               const QString& outputName = QStringLiteral("refused.wav"))
     {
         ManualProgressClock clock;
         AudioConverter converter;
-        audiotest::TrackerLog log(converter.progressTracker());
+        AudioTest::TrackerLog log(converter.progressTracker());
         const QFileInfo info(source);
         const QByteArray before = info.isFile() ? Fixtures::sha256(source) : QByteArray();
         const QString output = m_dir.filePath(outputName);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, source, output, format, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, source, output, format, settings);
         if (outcome.elapsedMilliseconds > promptMilliseconds)
             m_problems.append(QStringLiteral("took %1 ms").arg(outcome.elapsedMilliseconds));
         if (info.isFile() && info.isReadable() && Fixtures::sha256(source) != before)
@@ -129,7 +130,7 @@ private slots:
     {
         QStringList lines;
         const QString source = m_dir.filePath(QStringLiteral("absent.wav"));
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY(outcome.conversionError);
         QCOMPARE(*outcome.conversionError, ConversionError::inputFileNotFound(source));
         QCOMPARE(outcome.conversionError->errorDescription(),
@@ -143,7 +144,7 @@ private slots:
         const QString source = m_dir.filePath(QStringLiteral("empty.wav"));
         writeFile(source, {});
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->kind(), ConversionError::Kind::invalidFileStructure);
         QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
@@ -167,7 +168,7 @@ private slots:
         writeFile(source, randomBytes(65536, 7));
         const QByteArray hash = Fixtures::sha256(source);
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
         QCOMPARE(lines, notReadableLines);
@@ -188,7 +189,7 @@ private slots:
         writeFile(source, bytes.left(bytes.size() / 2));
         const QByteArray hash = Fixtures::sha256(source);
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
         QCOMPARE(lines, notReadableLines);
@@ -214,9 +215,9 @@ private slots:
         const QString output = m_dir.filePath(QStringLiteral("indexed-half.wav"));
         ManualProgressClock clock;
         AudioConverter converter;
-        audiotest::TrackerLog log(converter.progressTracker());
-        const audiotest::Outcome outcome = audiotest::convert(
-            converter, source, output, AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        AudioTest::TrackerLog log(converter.progressTracker());
+        const AudioTest::Outcome outcome = AudioTest::convert(
+            converter, source, output, AudioFormat::wav, AudioTest::settingsFor(AudioCodec::pcm));
         QVERIFY(outcome.finished);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(*outcome.conversionError,
@@ -264,10 +265,10 @@ private slots:
 
         ManualProgressClock clock;
         AudioConverter converter;
-        audiotest::TrackerLog log(converter.progressTracker());
+        AudioTest::TrackerLog log(converter.progressTracker());
         const QString output = m_dir.filePath(QStringLiteral("corrupt.wav"));
-        const audiotest::Outcome outcome = audiotest::convert(
-            converter, source, output, AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        const AudioTest::Outcome outcome = AudioTest::convert(
+            converter, source, output, AudioFormat::wav, AudioTest::settingsFor(AudioCodec::pcm));
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(*outcome.conversionError,
                  ConversionError::conversionFailed(QStringLiteral("Output file was not created")));
@@ -291,7 +292,7 @@ private slots:
         QVERIFY(!source.isEmpty());
         const QByteArray hash = Fixtures::sha256(source);
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(*outcome.conversionError, ConversionError::invalidFileStructure(QStringLiteral(
                                                "No audio track found in the source file")));
@@ -306,7 +307,7 @@ private slots:
         const QString source = m_dir.filePath(QStringLiteral("x.wav"));
         QVERIFY(QDir().mkpath(source));
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
         QCOMPARE(lines, notReadableLines);
@@ -318,7 +319,7 @@ private slots:
         const QString source = m_dir.filePath(QStringLiteral("pipe.wav"));
         QCOMPARE(::mkfifo(QFile::encodeName(source).constData(), 0600), 0);
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(), notReadableText);
         QCOMPARE(lines, notReadableLines);
@@ -353,7 +354,7 @@ private slots:
         QVERIFY(QFile::copy(m_tone, source));
         QVERIFY(QFile::setPermissions(source, QFileDevice::WriteOwner));
         QStringList lines;
-        const audiotest::Outcome outcome = refuse(source, &lines);
+        const AudioTest::Outcome outcome = refuse(source, &lines);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(*outcome.conversionError,
                  ConversionError::permissionDenied(QStringLiteral("Cannot read input file")));
@@ -367,12 +368,12 @@ private slots:
     {
         ManualProgressClock clock;
         AudioConverter converter;
-        audiotest::TrackerLog log(converter.progressTracker());
+        AudioTest::TrackerLog log(converter.progressTracker());
         const QByteArray hash = Fixtures::sha256(m_tone);
         const QString folder = m_dir.filePath(QStringLiteral("gone"));
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_tone, folder + QStringLiteral("/out.wav"),
-                               AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_tone, folder + QStringLiteral("/out.wav"),
+                               AudioFormat::wav, AudioTest::settingsFor(AudioCodec::pcm));
         QVERIFY(outcome.conversionError);
         QCOMPARE(*outcome.conversionError, ConversionError::outputLocationNotWritable(folder));
         QCOMPARE(log.lines(),
@@ -394,9 +395,9 @@ private slots:
         QFETCH(AudioCodec, codec);
         QStringList lines;
         const QByteArray hash = Fixtures::sha256(m_tone);
-        const audiotest::Outcome outcome =
+        const AudioTest::Outcome outcome =
             refuse(m_tone, &lines, AudioFormat::m4a,
-                   audiotest::settingsFor(codec, SampleRate::rate48000, std::nullopt,
+                   AudioTest::settingsFor(codec, SampleRate::rate48000, std::nullopt,
                                           AudioBitrate::kbps64),
                    QStringLiteral("refused.m4a"));
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
@@ -419,9 +420,9 @@ private slots:
     void containerThatCannotCarryTheCodecRefusesTheInput()
     {
         QStringList lines;
-        const audiotest::Outcome outcome =
+        const AudioTest::Outcome outcome =
             refuse(m_tone, &lines, AudioFormat::wav,
-                   audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt,
+                   AudioTest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt,
                                           AudioBitrate::kbps128));
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(*outcome.conversionError,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio engine's run as its tracker, its progress subject and its caller see it: the
 // milestone texts with their phases and fractions, the pump's paced reports, the final verdict,
 // the level gains, the cancellation callback and the memory-pressure observer.
@@ -27,8 +28,8 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using audiotest::TrackerLog;
-using testsupport::Fixtures;
+using AudioTest::TrackerLog;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -123,9 +124,9 @@ private slots:
         TrackerLog log(converter.progressTracker());
         const QString output = outputPath(QStringLiteral("milestones.wav"));
 
-        const audiotest::Outcome outcome = audiotest::convert(
+        const AudioTest::Outcome outcome = AudioTest::convert(
             converter, m_stereo48k, output, AudioFormat::wav,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         QCOMPARE(log.lines(), successMilestones48k);
         QCOMPARE(converter.progressTracker()->isActive(), false);
@@ -142,9 +143,9 @@ private slots:
         AudioConverter converter;
         converter.setProgressPacingClock(steppingClock());
         TrackerLog log(converter.progressTracker());
-        const audiotest::Outcome outcome = audiotest::convert(
+        const AudioTest::Outcome outcome = AudioTest::convert(
             converter, m_stereo48k, outputPath(QStringLiteral("paced.wav")), AudioFormat::wav,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24));
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
 
         // With a clock that always moves on, each buffer after the first is reported.
@@ -184,9 +185,9 @@ private slots:
         AudioConverter converter;
         converter.setProgressPacingClock(frozenClock());
         std::vector<double> fractions;
-        const audiotest::Outcome outcome = audiotest::convert(
+        const AudioTest::Outcome outcome = AudioTest::convert(
             converter, m_stereo48k, outputPath(QStringLiteral("subject.m4a")), AudioFormat::m4a,
-            audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt,
+            AudioTest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt,
                                    AudioBitrate::kbps128),
             [&fractions](double fraction) {
                 QVERIFY(QThread::currentThread() == QCoreApplication::instance()->thread());
@@ -205,9 +206,9 @@ private slots:
         ManualProgressClock clock;
         AudioConverter converter;
         int heard = 0;
-        const audiotest::Outcome outcome = audiotest::convert(
+        const AudioTest::Outcome outcome = AudioTest::convert(
             converter, m_stereo48k, outputPath(QStringLiteral("late.wav")), AudioFormat::wav,
-            audiotest::settingsFor(AudioCodec::pcm), [&heard](double) { ++heard; });
+            AudioTest::settingsFor(AudioCodec::pcm), [&heard](double) { ++heard; });
         QVERIFY(outcome.succeeded());
         const int atEnd = heard;
         converter.progressTracker()->updateProgress(0.5);
@@ -222,9 +223,9 @@ private slots:
         AudioConverter converter;
         TrackerLog log(converter.progressTracker());
         const QString missingFolder = m_dir.filePath(QStringLiteral("no-such-folder"));
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_stereo48k, missingFolder + QStringLiteral("/x.wav"),
-                               AudioFormat::wav, audiotest::settingsFor(AudioCodec::pcm));
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_stereo48k, missingFolder + QStringLiteral("/x.wav"),
+                               AudioFormat::wav, AudioTest::settingsFor(AudioCodec::pcm));
         QVERIFY(outcome.conversionError);
         QCOMPARE(outcome.conversionError->kind(), ConversionError::Kind::outputLocationNotWritable);
         QCOMPARE(outcome.conversionError->url(), missingFolder);
@@ -251,11 +252,11 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("keep me");
         file.close();
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_stereo48k, output, AudioFormat::wav,
-                               audiotest::settingsFor(AudioCodec::pcm));
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_stereo48k, output, AudioFormat::wav,
+                               AudioTest::settingsFor(AudioCodec::pcm));
         QVERIFY2(outcome.mediaError, qPrintable(outcome.describe()));
-        QCOMPARE(outcome.mediaError->code(), int(platform::MediaError::fileAlreadyExists));
+        QCOMPARE(outcome.mediaError->code(), int(Platform::MediaError::fileAlreadyExists));
         // No text of its own: the tracker only hears the closing stop.
         QCOMPARE(log.lines().last(), QStringLiteral("stop"));
         QCOMPARE(log.lines().at(log.lines().size() - 2),
@@ -269,14 +270,14 @@ private slots:
         ManualProgressClock clock;
         AudioConverter converter;
         converter.setProgressPacingClock(frozenClock());
-        const audiotest::Outcome first = audiotest::convert(
+        const AudioTest::Outcome first = AudioTest::convert(
             converter, m_stereo48k, outputPath(QStringLiteral("first.aiff")), AudioFormat::aiff,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
         QVERIFY(first.succeeded());
         TrackerLog log(converter.progressTracker());
-        const audiotest::Outcome second = audiotest::convert(
+        const AudioTest::Outcome second = AudioTest::convert(
             converter, m_stereo48k, outputPath(QStringLiteral("second.aiff")), AudioFormat::aiff,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
         QVERIFY(second.succeeded());
         QCOMPARE(log.lines(), successMilestones48k);
         QCOMPARE(converter.progressTracker()->detailedMetrics().progressUpdates, 24);
@@ -285,13 +286,13 @@ private slots:
     void cancellationRequestOnlyTellsAndTheFileStillConverts()
     {
         AudioConverter converter;
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         const QString output = outputPath(QStringLiteral("cancel-asked.wav"));
-        audiotest::Outcome outcome;
+        AudioTest::Outcome outcome;
         QEventLoop loop;
         QCoro::Task<> running =
-            audiotest::capture(converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
-                                                      audiotest::settingsFor(AudioCodec::pcm), {}),
+            AudioTest::capture(converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
+                                                      AudioTest::settingsFor(AudioCodec::pcm), {}),
                                outcome, loop);
         // The run is under way and suspended at its first load.
         QVERIFY(converter.progressTracker()->isActive());
@@ -301,7 +302,7 @@ private slots:
         if (!outcome.finished)
             loop.exec();
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
     }
 
@@ -309,18 +310,18 @@ private slots:
     {
         AudioConverter converter;
         AudioSettings settings =
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
         settings.levelProcessing = AudioLevelTarget::dbFS(-3.0f);
         TrackerLog log(converter.progressTracker());
         const QString output = outputPath(QStringLiteral("peak.wav"));
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         QVERIFY(log.lines().contains(QStringLiteral(
             "update: Analyzing peak levels for dBFS normalization... | Analyzing Media | 0.12")));
 
-        const testsupport::DecodedAudio source = Fixtures::decode(m_stereo48k);
-        const testsupport::DecodedAudio result = Fixtures::decode(output);
+        const TestSupport::DecodedAudio source = Fixtures::decode(m_stereo48k);
+        const TestSupport::DecodedAudio result = Fixtures::decode(output);
         QCOMPARE(result.samples.size(), source.samples.size());
         const float gain =
             LevelGain::dbfsGain(-3.0f, LevelGain::decibelsFromPeak(peakOf(source.samples)));
@@ -340,11 +341,11 @@ private slots:
     {
         AudioConverter converter;
         AudioSettings settings =
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
         settings.levelProcessing = AudioLevelTarget::dbFS(6.0f);
         const QString output = outputPath(QStringLiteral("clipped.wav"));
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         const float peak = peakOf(Fixtures::decode(output).samples);
         QVERIFY2(std::fabs(peak - Limiter::ceiling) < 2e-7f, qPrintable(QString::number(peak)));
@@ -354,12 +355,12 @@ private slots:
     {
         AudioConverter converter;
         AudioSettings settings =
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
         settings.levelProcessing = AudioLevelTarget::integratedLUFS(-23.0f);
         TrackerLog log(converter.progressTracker());
         const QString output = outputPath(QStringLiteral("loudness.wav"));
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_stereo48k, output, AudioFormat::wav, settings);
         QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         QVERIFY(log.lines().contains(QStringLiteral(
             "update: Analyzing integrated loudness (EBU R128)... | Analyzing Media | 0.12")));
@@ -368,8 +369,8 @@ private slots:
             IntegratedLoudnessAnalyzer::analyzeBlocking(m_stereo48k);
         const float gain = LevelGain::lufsGain(-23.0f, measured.integratedLUFS);
         QVERIFY(gain < 1.0f);
-        const testsupport::DecodedAudio source = Fixtures::decode(m_stereo48k);
-        const testsupport::DecodedAudio result = Fixtures::decode(output);
+        const TestSupport::DecodedAudio source = Fixtures::decode(m_stereo48k);
+        const TestSupport::DecodedAudio result = Fixtures::decode(output);
         QCOMPARE(result.samples.size(), source.samples.size());
         for (std::size_t i = 0; i < source.samples.size(); ++i) {
             const float expected =
@@ -387,9 +388,9 @@ private slots:
         const QString video =
             Fixtures::makeVideo(m_dir.path(), QStringLiteral("silent.mp4"), 1.0, false);
         QVERIFY(!video.isEmpty());
-        AudioSettings settings = audiotest::settingsFor(AudioCodec::pcm);
+        AudioSettings settings = AudioTest::settingsFor(AudioCodec::pcm);
         settings.levelProcessing = AudioLevelTarget::dbFS(-1.0f);
-        const audiotest::Outcome outcome = audiotest::convert(
+        const AudioTest::Outcome outcome = AudioTest::convert(
             converter, video, outputPath(QStringLiteral("silent.wav")), AudioFormat::wav, settings);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(),
@@ -408,7 +409,7 @@ private slots:
         MemoryManager manager(50, 20);
         QVERIFY(manager.memoryMonitorTimer() != nullptr);
         AudioConverter converter(&manager);
-        platform::NotificationCenter::defaultCenter().post(
+        Platform::NotificationCenter::defaultCenter().post(
             QStringLiteral("memoryPressureDetected"));
         QTRY_VERIFY_WITH_TIMEOUT(manager.memoryMonitorTimer() == nullptr, 2000);
         QCOMPARE(manager.memoryUsage(), 0);
@@ -420,7 +421,7 @@ private slots:
         AudioConverter converter(manager);
         delete manager;
         QCOMPARE(converter.memoryManager(), nullptr);
-        platform::NotificationCenter::defaultCenter().post(
+        Platform::NotificationCenter::defaultCenter().post(
             QStringLiteral("memoryPressureDetected"));
         for (int i = 0; i < 5; ++i)
             QCoreApplication::processEvents();
@@ -430,7 +431,7 @@ private slots:
     {
         MemoryManager manager(50, 20);
         auto* converter = new AudioConverter(&manager);
-        platform::NotificationCenter::defaultCenter().post(
+        Platform::NotificationCenter::defaultCenter().post(
             QStringLiteral("memoryPressureDetected"));
         delete converter;
         for (int i = 0; i < 5; ++i)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every output the settings panel can ask of the audio engine, made from real files and checked
 // with ffprobe and by decoding: codec, rate, channels, depth and duration; lossless paths that
 // keep every sample; mono, stereo and 5.1 sources; an unusual rate that stays; audio taken from
@@ -14,8 +15,8 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using testsupport::AudioStreamProbe;
-using testsupport::Fixtures;
+using TestSupport::AudioStreamProbe;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -47,8 +48,8 @@ private:
     {
         AudioConverter converter;
         const QString path = output(name);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, source, path, format, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, source, path, format, settings);
         if (!outcome.succeeded()) {
             qWarning("%s: %s", qPrintable(name), qPrintable(outcome.describe()));
             return {};
@@ -111,7 +112,7 @@ private slots:
             QString::fromLatin1(QTest::currentDataTag()),
             format == AudioFormat::caf ? QStringLiteral("caf") : rawValue(format));
         const AudioStreamProbe probe = convertAndProbe(
-            m_stereo24, name, format, audiotest::settingsFor(AudioCodec::pcm, rate, depth));
+            m_stereo24, name, format, AudioTest::settingsFor(AudioCodec::pcm, rate, depth));
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.codecName, codec);
         QCOMPARE(probe.sampleRate, hertz(rate));
@@ -126,11 +127,11 @@ private slots:
     {
         const AudioStreamProbe wav =
             convertAndProbe(m_stereo24, QStringLiteral("nodepth.wav"), AudioFormat::wav,
-                            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000));
+                            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000));
         QCOMPARE(wav.codecName, QStringLiteral("pcm_s16le"));
         const AudioStreamProbe aiff =
             convertAndProbe(m_stereo24, QStringLiteral("nodepth.aiff"), AudioFormat::aiff,
-                            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000));
+                            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000));
         QCOMPARE(aiff.codecName, QStringLiteral("pcm_s16be"));
     }
 
@@ -147,7 +148,7 @@ private slots:
         const QString name = QStringLiteral("aac-%1.m4a").arg(rawValue(bitrate));
         const AudioStreamProbe probe = convertAndProbe(
             m_stereo24, name, AudioFormat::m4a,
-            audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt, bitrate));
+            AudioTest::settingsFor(AudioCodec::aac, SampleRate::rate48000, std::nullopt, bitrate));
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, 48000);
@@ -191,7 +192,7 @@ private slots:
                                                                         : QStringLiteral("m4a"));
         const SampleRate keep = rate == 48000 ? SampleRate::rate48000 : SampleRate::rate44100;
         const AudioStreamProbe probe =
-            convertAndProbe(source, name, format, audiotest::settingsFor(AudioCodec::alac, keep));
+            convertAndProbe(source, name, format, AudioTest::settingsFor(AudioCodec::alac, keep));
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.codecName, QStringLiteral("alac"));
         QCOMPARE(probe.sampleRate, rate);
@@ -204,26 +205,26 @@ private slots:
 
     void losslessPathsKeepEverySample()
     {
-        const testsupport::DecodedAudio source = Fixtures::decode(m_stereo24);
+        const TestSupport::DecodedAudio source = Fixtures::decode(m_stereo24);
         QCOMPARE(source.frameCount(), qint64(72000));
         const QString aiff = output(QStringLiteral("alac-lossless.aiff"));
         const QString alac = output(QStringLiteral("alac-24.m4a"));
         {
             AudioConverter converter;
-            const audiotest::Outcome outcome = audiotest::convert(
+            const AudioTest::Outcome outcome = AudioTest::convert(
                 converter, m_stereo24, aiff, AudioFormat::aiff,
-                audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24));
+                AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24));
             QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         }
         if (!QFileInfo::exists(alac)) {
             AudioConverter converter;
-            const audiotest::Outcome outcome =
-                audiotest::convert(converter, m_stereo24, alac, AudioFormat::m4a,
-                                   audiotest::settingsFor(AudioCodec::alac, SampleRate::rate48000));
+            const AudioTest::Outcome outcome =
+                AudioTest::convert(converter, m_stereo24, alac, AudioFormat::m4a,
+                                   AudioTest::settingsFor(AudioCodec::alac, SampleRate::rate48000));
             QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
         }
         for (const QString& path : {aiff, alac}) {
-            const testsupport::DecodedAudio decoded = Fixtures::decode(path);
+            const TestSupport::DecodedAudio decoded = Fixtures::decode(path);
             QCOMPARE(decoded.channels, 2);
             QCOMPARE(decoded.sampleRate, 48000);
             QVERIFY2(decoded.samples == source.samples, qPrintable(path));
@@ -257,7 +258,7 @@ private slots:
                      format == AudioFormat::wav ? QStringLiteral("wav") : QStringLiteral("m4a"));
         const AudioStreamProbe probe =
             convertAndProbe(source, name, format,
-                            audiotest::settingsFor(codec, SampleRate::rate48000, BitDepth::depth16,
+                            AudioTest::settingsFor(codec, SampleRate::rate48000, BitDepth::depth16,
                                                    AudioBitrate::kbps192));
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.channels, channels);
@@ -273,13 +274,13 @@ private slots:
         QVERIFY(!source.isEmpty());
         const AudioStreamProbe wav = convertAndProbe(
             source, QStringLiteral("rate22k.wav"), AudioFormat::wav,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate96000, BitDepth::depth16));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate96000, BitDepth::depth16));
         QCOMPARE(wav.sampleRate, 22050);
         QCOMPARE(Fixtures::decode(output(QStringLiteral("rate22k.wav"))).frameCount(),
                  qint64(22050));
         const AudioStreamProbe aac =
             convertAndProbe(source, QStringLiteral("rate22k.m4a"), AudioFormat::m4a,
-                            audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000,
+                            AudioTest::settingsFor(AudioCodec::aac, SampleRate::rate48000,
                                                    std::nullopt, AudioBitrate::kbps64));
         QCOMPARE(aac.codecName, QStringLiteral("aac"));
         QCOMPARE(aac.sampleRate, 22050);
@@ -294,7 +295,7 @@ private slots:
         const AudioStreamProbe sourceAudio = Fixtures::probeAudio(video);
         const AudioStreamProbe wav = convertAndProbe(
             video, QStringLiteral("fromvideo.wav"), AudioFormat::wav,
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate44100, BitDepth::depth16));
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate44100, BitDepth::depth16));
         QVERIFY2(wav.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(wav.codecName, QStringLiteral("pcm_s16le"));
         QCOMPARE(wav.sampleRate, 44100);
@@ -302,7 +303,7 @@ private slots:
         verifyDuration(wav, sourceAudio.durationSeconds, 44100);
         const AudioStreamProbe m4a =
             convertAndProbe(video, QStringLiteral("fromvideo.m4a"), AudioFormat::m4a,
-                            audiotest::settingsFor(AudioCodec::aac, SampleRate::rate48000,
+                            AudioTest::settingsFor(AudioCodec::aac, SampleRate::rate48000,
                                                    std::nullopt, AudioBitrate::kbps128));
         QCOMPARE(m4a.codecName, QStringLiteral("aac"));
         QCOMPARE(m4a.sampleRate, 48000);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dictionaries the audio engine hands to its reader and writer: exact keys, values, value
 // types and order for each codec and format, and the rate rule that keeps unusual rates.
 #include "ConversionEngine/audio/AudioOutputSettings.h"
@@ -5,7 +6,7 @@
 #include <QTest>
 
 using namespace ConversionEngine;
-namespace Key = platform::SettingsKey;
+namespace Key = Platform::SettingsKey;
 
 namespace {
 
@@ -20,7 +21,7 @@ AudioSettings settingsOf(AudioCodec codec, SampleRate rate, std::optional<BitDep
     return settings;
 }
 
-QMetaType::Type typeOf(const platform::SettingsDictionary& dictionary, const QString& key)
+QMetaType::Type typeOf(const Platform::SettingsDictionary& dictionary, const QString& key)
 {
     return static_cast<QMetaType::Type>(dictionary.value(key).metaType().id());
 }
@@ -34,7 +35,7 @@ class TestAudioOutputSettings : public QObject
 private slots:
     void decodeSettingsAskForInterleavedLittleEndianFloat()
     {
-        const platform::SettingsDictionary decode = AudioOutputSettings::decodeSettings();
+        const Platform::SettingsDictionary decode = AudioOutputSettings::decodeSettings();
         const QStringList keys{Key::formatId, Key::linearPCMBitDepth, Key::linearPCMIsBigEndian,
                                Key::linearPCMIsFloat, Key::linearPCMIsNonInterleaved};
         QCOMPARE(decode.keys(), keys);
@@ -52,16 +53,16 @@ private slots:
 
     void fileTypeFollowsTheFormat()
     {
-        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::aiff), platform::FileType::aiff);
-        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::wav), platform::FileType::wave);
-        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::m4a), platform::FileType::appleM4A);
+        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::aiff), Platform::FileType::aiff);
+        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::wav), Platform::FileType::wave);
+        QCOMPARE(AudioOutputSettings::fileType(AudioFormat::m4a), Platform::FileType::appleM4A);
         QCOMPARE(AudioOutputSettings::fileType(AudioFormat::caf),
-                 platform::FileType::coreAudioFormat);
+                 Platform::FileType::coreAudioFormat);
     }
 
     void pcmInAiffAt24BitsIsBigEndian()
     {
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::aiff,
             settingsOf(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24), 48000.0, 2);
         const QStringList keys{Key::formatId,
@@ -85,7 +86,7 @@ private slots:
     void pcmInWavAndCafIsLittleEndian()
     {
         for (const AudioFormat format : {AudioFormat::wav, AudioFormat::caf}) {
-            const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+            const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
                 format, settingsOf(AudioCodec::pcm, SampleRate::rate44100, BitDepth::depth16),
                 44100.0, 1);
             QCOMPARE(encode.value(Key::linearPCMBitDepth), QVariant(16));
@@ -97,7 +98,7 @@ private slots:
 
     void pcmWithoutDepthSetsNoLayoutKeys()
     {
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::wav, settingsOf(AudioCodec::pcm, SampleRate::rate44100), 44100.0, 2);
         const QStringList keys{Key::formatId, Key::sampleRate, Key::numberOfChannels};
         QCOMPARE(encode.keys(), keys);
@@ -105,7 +106,7 @@ private slots:
 
     void aacWithoutBitRateHasOnlyFormatRateChannelsAndQuality()
     {
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::m4a, settingsOf(AudioCodec::aac, SampleRate::rate44100), 44100.0, 2);
         const QStringList keys{Key::formatId, Key::sampleRate, Key::numberOfChannels,
                                Key::encoderAudioQuality};
@@ -131,7 +132,7 @@ private slots:
     {
         QFETCH(AudioBitrate, bitrate);
         QFETCH(int, bitsPerSecond);
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::m4a, settingsOf(AudioCodec::aac, SampleRate::rate48000, {}, bitrate),
             48000.0, 2);
         QCOMPARE(encode.keys().last(), Key::encoderBitRate);
@@ -149,7 +150,7 @@ private slots:
                      {AudioCodec::heAacV2, 0x61616370u},
                      {AudioCodec::alac, 0x616C6163u}};
         for (const auto& item : cases) {
-            const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+            const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
                 AudioFormat::m4a,
                 settingsOf(item.codec, SampleRate::rate44100, BitDepth::depth24,
                            AudioBitrate::kbps64),
@@ -178,7 +179,7 @@ private slots:
         QFETCH(double, sourceRate);
         QFETCH(SampleRate, selected);
         QFETCH(float, written);
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::wav, settingsOf(AudioCodec::pcm, selected, BitDepth::depth16), sourceRate,
             2);
         QCOMPARE(encode.value(Key::sampleRate).toFloat(), written);
@@ -186,7 +187,7 @@ private slots:
 
     void channelCountPassesThrough()
     {
-        const platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
+        const Platform::SettingsDictionary encode = AudioOutputSettings::encodeSettings(
             AudioFormat::m4a, settingsOf(AudioCodec::aac, SampleRate::rate48000), 48000.0, 6);
         QCOMPARE(encode.value(Key::numberOfChannels), QVariant(6));
         QVERIFY(!encode.contains(Key::channelLayout));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample pump against stand-in endpoints: its counters, its exits with their texts and
 // cancel calls, the loss of a buffer when the input stops taking data, the gain in place, the
 // paced progress reports, the finish and the single resumption.
@@ -12,10 +13,10 @@
 #include <deque>
 
 using namespace ConversionEngine;
-using platform::AssetReader;
-using platform::AssetWriter;
-using platform::MediaTime;
-using platform::SampleBuffer;
+using Platform::AssetReader;
+using Platform::AssetWriter;
+using Platform::MediaTime;
+using Platform::SampleBuffer;
 
 namespace {
 
@@ -105,7 +106,7 @@ struct Rig
 {
     ManualProgressClock progressClock;
     EnhancedProgressTracker tracker;
-    audiotest::TrackerLog log{&tracker};
+    AudioTest::TrackerLog log{&tracker};
     std::shared_ptr<FakeEndpoints> endpoints = std::make_shared<FakeEndpoints>();
     std::shared_ptr<Resumer> resumer = std::make_shared<Resumer>();
     int resumptions = 0;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The guard of a conversion's single resumption: the first attempt wins, from any thread, and
 // every later one does nothing.
 #include "ConversionEngine/audio/Resumer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/AppMemoryManager.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -21,16 +22,16 @@ class PressureListener : public QObject
 public:
     PressureListener()
     {
-        platform::NotificationCenter::defaultCenter().addObserver(
+        Platform::NotificationCenter::defaultCenter().addObserver(
             this, QStringLiteral("memoryPressureDetected"), nullptr,
-            [this](const platform::NotificationCenter::Notification& notification) {
+            [this](const Platform::NotificationCenter::Notification& notification) {
                 ++posts;
                 withObject = withObject || notification.object != nullptr;
             });
     }
     ~PressureListener() override
     {
-        platform::NotificationCenter::defaultCenter().removeObserver(this);
+        Platform::NotificationCenter::defaultCenter().removeObserver(this);
     }
 
     // Posts arrive on a later turn of the main loop.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/BatchProgressManager.h"
@@ -308,10 +309,10 @@ private slots:
         ManualProgressClock clock;
         MemoryManager memory(50, 20);
         BatchProgressManager manager(&memory);
-        std::vector<std::shared_ptr<platform::SampleBuffer>> buffers;
+        std::vector<std::shared_ptr<Platform::SampleBuffer>> buffers;
         for (int i = 0; i < 256; ++i) {
             buffers.push_back(
-                platform::SampleBuffer::make(platform::MediaTime::zero(), 44100, 2, 16));
+                Platform::SampleBuffer::make(Platform::MediaTime::zero(), 44100, 2, 16));
             memory.trackBuffer(buffers.back());
         }
         manager.progressTimerFired();
@@ -347,7 +348,7 @@ private slots:
     {
         MemoryManager memory(50, 20);
         BatchProgressManager manager(&memory);
-        const auto buffer = platform::SampleBuffer::make(platform::MediaTime::zero(), 44100, 2, 16);
+        const auto buffer = Platform::SampleBuffer::make(Platform::MediaTime::zero(), 44100, 2, 16);
         memory.trackBuffer(buffer);
         QSignalSpy stats(&manager, &BatchProgressManager::memoryStatsChanged);
         QTRY_VERIFY_WITH_TIMEOUT(stats.count() >= 1, 5000);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The progress windows' texts: percentages, counts, speeds and sizes in the C form whatever the
 // locale, the time lines that vanish while unknown, and the phases' colours.
 #include "app/batch/ProgressTexts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli run as a program on real files made by ffmpeg: exit statuses, what goes to
 // standard output and standard error, output names as the naming rules give them, presets and
 // the order of the options, level targets checked by measuring the results, the overwrite
@@ -26,7 +27,7 @@
 #include <csignal>
 
 using namespace Ondrilet;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -280,7 +281,7 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
         QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
         QCOMPARE(probe.channels, 2);
@@ -310,7 +311,7 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("a (AAC_256k_44.1kHz).m4a");
         QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, 44100);
         // An audio preset prints nothing of its own; only the window's first preset is told.
@@ -350,7 +351,7 @@ private slots:
         // depth, so 16 bit stands; its 96 kHz stays.
         const QString output = QStringLiteral("a (PCM_96kHz_16bit).wav");
         QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
         QCOMPARE(probe.sampleRate, 96000);
     }
@@ -419,7 +420,7 @@ private slots:
         QVERIFY(result.out.contains(QStringLiteral("🔄 Auto-applying metadata for conversion:")));
 
         // The edits stand in the preferences as the metadata editor stores them.
-        platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        Platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
         const std::optional<QCborMap> stored =
             PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/a.wav"));
         QVERIFY(stored);
@@ -450,7 +451,7 @@ private slots:
             QStringLiteral("✅ Found asset creation date: 2010-07-01T08:30:00Z\n")));
         QCOMPARE(Fixtures::filesBelow(m_out), QStringList{QStringLiteral("clip_2010-07-01.wav")});
         // The title read from the file is among the edits stored for it.
-        platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        Platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
         const std::optional<QCborMap> stored =
             PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/clip.m4a"));
         QVERIFY(stored);
@@ -501,7 +502,7 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.wav")));
         QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
     }
@@ -577,7 +578,7 @@ private slots:
         for (qsizetype i = 0; i < outputs.size(); ++i) {
             QCOMPARE(outputs.at(i), QStringLiteral("Audio/m4a/%1 (AAC_256k_48kHz_LUFS-23).m4a")
                                         .arg(names.at(i).chopped(4)));
-            const testsupport::AudioStreamProbe probe =
+            const TestSupport::AudioStreamProbe probe =
                 Fixtures::probeAudio(m_out + QLatin1Char('/') + outputs.at(i));
             QCOMPARE(probe.codecName, QStringLiteral("aac"));
             QVERIFY2(std::abs(probe.durationSeconds - 30.0) < 0.1,

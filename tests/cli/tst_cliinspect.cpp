@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli --inspect as a program on a folder of mixed files made by ffmpeg: what goes to
 // standard output and standard error, the exit status, and every key of the JSON checked against
 // what ffprobe reports of the same file.
@@ -17,7 +18,7 @@
 
 #include <cmath>
 
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings of a command line replayed on the window's model: each lands where its panel
 // control puts it, with the rules the model keeps for that control, and in the order given.
 #include "app/metadata/MetadataEditorModel.h"
@@ -40,7 +41,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_directory.isValid());
-        platform::UserDefaults::setStandardFilePath(m_directory.filePath(QStringLiteral("prefs")));
+        Platform::UserDefaults::setStandardFilePath(m_directory.filePath(QStringLiteral("prefs")));
     }
 
     void videoSettings()

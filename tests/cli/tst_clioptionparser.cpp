@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The command line parser: every option and value as the panel offers it, the order of the
 // settings, paths, the actions and every refusal with its exact message.
 #include "cli/CliOption.h"

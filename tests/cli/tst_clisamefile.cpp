@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli run as a program where a user's file is at stake: an output folder reached
 // through a link to the source's own folder (the overwrite question comes, and with --yes the
 // output replaces the source through the hidden temporary file), and a full disk, made as a
@@ -12,7 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -149,7 +150,7 @@ private slots:
         QVERIFY(result.out.contains(
             QStringLiteral("🔄 Output would overwrite input - using temp file: .a_converting_")));
         QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.wav")));
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.bitsPerSample, 16);
         QCOMPARE(probe.sampleRate, 44100);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts of the terminal front end: the progress bar line, the JSON of a measurement, the
 // preset listing, and the usage and help texts.
 #include "app/presets/PresetStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli converting real video files made by ffmpeg: the video options reach the file
 // (container, codec, size, rate), names with and without the settings, in-place replacement, the
 // overwrite rule, two files in a row, sound taken out of a video by the audio engine, and Ctrl-C
@@ -14,7 +15,7 @@
 
 #include <csignal>
 
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A command-line run stopped by the interrupt, in the program's own process so that the moment
 // of the interrupt is exact: before Convert nothing is written; during a file that file is
 // finished (and swapped in place of its original when it replaces one), the rest are left
@@ -19,7 +20,7 @@
 #include <QTimer>
 
 using namespace Ondrilet;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 class TestConversionRun : public QObject
 {
@@ -72,7 +73,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_root.isValid());
-        platform::UserDefaults::setStandardFilePath(m_root.filePath(QStringLiteral("prefs")));
+        Platform::UserDefaults::setStandardFilePath(m_root.filePath(QStringLiteral("prefs")));
         QVERIFY(QDir().mkpath(m_root.filePath(QStringLiteral("fixtures"))));
         m_tone = Fixtures::makeTone(m_root.filePath(QStringLiteral("fixtures")),
                                     QStringLiteral("tone.wav"), 2.0, 44100, 2,
@@ -126,7 +127,7 @@ private slots:
         QCOMPARE(Fixtures::filesBelow(m_work),
                  (QStringList{QStringLiteral("a.wav"), QStringLiteral("b.wav"),
                               QStringLiteral("c.wav")}));
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(a);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(a);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
         QCOMPARE(Fixtures::sha256(b), before);

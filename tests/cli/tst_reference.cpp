@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The man pages and the shell completion made from the option table: every option of the table is
 // in the page and completes in bash, choice lists and preset names complete to exactly what the
 // program accepts, the pages render without a roff warning, and the files the build wrote are the
@@ -75,7 +76,7 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(ShellCompletion::bashScript().toUtf8());
         // The program asked for the preset names reads this settings file, as this test does.
-        platform::UserDefaults::setStandardFilePath(m_home.path() +
+        Platform::UserDefaults::setStandardFilePath(m_home.path() +
                                                     "/.config/Ondrilet/Ondrilet.conf");
     }
 

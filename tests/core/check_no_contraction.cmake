@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Every source of the pure arithmetic is compiled without fused multiply-adds, so that its results
 # are the same bits on every build. Reads the build's compile commands.
 file(READ "${COMMANDS}" commands)

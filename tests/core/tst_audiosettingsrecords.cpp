@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/core/AudioCodecKind.h"
 #include "ConversionEngine/core/AudioContainer.h"
 #include "ConversionEngine/core/AudioDecodeSettings.h"

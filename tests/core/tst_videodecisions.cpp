@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/core/FrameGrid.h"
 #include "ConversionEngine/core/ReadingArrangement.h"
 #include "ConversionEngine/core/VideoAudioSettings.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The single-instance channel: argument resolution, the handoff from a later launch to a
 // listening instance with its receipt, the take-over of a socket left behind, and the routing of
 // opened files into the pending list or the "AddFilesFromFinder" notification.
@@ -125,9 +126,9 @@ void InstanceChannelTest::filesWaitInThePendingListUntilTheWindowHasAppeared()
     InstanceChannel::takePendingFiles();
     QObject observer;
     int posts = 0;
-    platform::NotificationCenter::defaultCenter().addObserver(
-        &observer, platform::NotificationNames::addFilesFromFinder, nullptr,
-        [&posts](const platform::NotificationCenter::Notification&) { ++posts; });
+    Platform::NotificationCenter::defaultCenter().addObserver(
+        &observer, Platform::NotificationNames::addFilesFromFinder, nullptr,
+        [&posts](const Platform::NotificationCenter::Notification&) { ++posts; });
 
     InstanceChannel::openFiles({QStringLiteral("/m/a.wav")}, false);
     InstanceChannel::openFiles({QStringLiteral("/m/b.wav"), QStringLiteral("/m/a.wav")}, false);
@@ -145,15 +146,15 @@ void InstanceChannelTest::filesAfterTheWindowHasAppearedArePosted()
     InstanceChannel::takePendingFiles();
     QObject observer;
     QList<QVariantMap> userInfos;
-    platform::NotificationCenter::defaultCenter().addObserver(
-        &observer, platform::NotificationNames::addFilesFromFinder, nullptr,
-        [&userInfos](const platform::NotificationCenter::Notification& notification) {
+    Platform::NotificationCenter::defaultCenter().addObserver(
+        &observer, Platform::NotificationNames::addFilesFromFinder, nullptr,
+        [&userInfos](const Platform::NotificationCenter::Notification& notification) {
             userInfos.append(notification.userInfo);
         });
 
     InstanceChannel::openFiles({QStringLiteral("/m/c.mov"), QStringLiteral("/m/d.mp3")}, true);
     QTRY_COMPARE(userInfos.size(), 1);
-    QCOMPARE(userInfos.front().value(platform::NotificationNames::filesKey).toStringList(),
+    QCOMPARE(userInfos.front().value(Platform::NotificationNames::filesKey).toStringList(),
              QStringList({QStringLiteral("/m/c.mov"), QStringLiteral("/m/d.mp3")}));
     QCOMPARE(InstanceChannel::takePendingFiles(), QStringList());
 }

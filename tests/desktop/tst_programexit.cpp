@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's end while a conversion is still under way: a child process starts a conversion,
 // holds it at a known point (its pump in the middle of the file, or its finished temporary file
 // before the swap), and must end at once with the status it was given, having removed the
@@ -25,7 +26,7 @@
 
 using namespace Ondrilet;
 using ConversionEngine::AudioLevelTarget;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -79,7 +80,7 @@ int abandonAConversion(const QString& source, const QString& format, HoldPoint h
     char name[] = "abandoning-child";
     char* argv[] = {name, nullptr};
     QCoreApplication app(argc, argv);
-    platform::UserDefaults::setStandardFilePath(defaults);
+    Platform::UserDefaults::setStandardFilePath(defaults);
     MediaConverter converter;
     if (hold == HoldPoint::midFile) {
         converter.audioConverter()->setProgressPacingClock(holdingClock());
@@ -163,7 +164,7 @@ private slots:
 
     void withoutARunTheStatusIsReturned()
     {
-        platform::UserDefaults::setStandardFilePath(m_root.filePath(QStringLiteral("own.conf")));
+        Platform::UserDefaults::setStandardFilePath(m_root.filePath(QStringLiteral("own.conf")));
         const MediaConverter converter;
         QCOMPARE(ProgramExit::afterEventLoop(converter, 5), 5);
     }

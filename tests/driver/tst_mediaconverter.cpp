@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The conversion driver on real files: order, outputs and their names, the texts a failure turns
 // into, what a failure leaves behind, in-place replacement, cancellation and the progress fed to
 // the run tracker and the batch. Every source is checksummed before and after each test, and no
@@ -36,9 +37,9 @@
 using namespace Ondrilet;
 using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::ManualProgressClock;
-using platform::Console;
-using platform::FileAttributes;
-using testsupport::Fixtures;
+using Platform::Console;
+using Platform::FileAttributes;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -144,7 +145,7 @@ bool matches(const QString& pattern, const QString& text)
 // A 44.1 kHz, 16-bit stereo PCM file of about `seconds`, as every PCM output here is asked to be.
 void verifyPcmOutput(const QString& path, double seconds = 1.0)
 {
-    const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+    const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
     QVERIFY2(probe.found, qPrintable(path + QStringLiteral(": ") + Fixtures::lastError()));
     QCOMPARE(probe.codecName.left(6), QStringLiteral("pcm_s1"));
     QCOMPARE(probe.bitsPerSample, 16);
@@ -180,7 +181,7 @@ int runCafChild(const QString& source, const QString& outputDirectory, const QSt
     char name[] = "caf-child";
     char* argv[] = {name, nullptr};
     QCoreApplication app(argc, argv);
-    platform::UserDefaults::setStandardFilePath(defaults);
+    Platform::UserDefaults::setStandardFilePath(defaults);
     MediaConverter converter;
     QCoro::waitFor(converter.convertFiles({source}, audioSettingsFor(AudioFormat::caf),
                                           options(false, false, true), outputDirectory, {},
@@ -233,7 +234,7 @@ private slots:
         m_outputs = m_root->path() + QStringLiteral("/outputs");
         QVERIFY(QDir().mkpath(m_sources));
         QVERIFY(QDir().mkpath(m_outputs));
-        platform::UserDefaults::setStandardFilePath(m_root->path() +
+        Platform::UserDefaults::setStandardFilePath(m_root->path() +
                                                     QStringLiteral("/defaults.conf"));
         m_clock = std::make_unique<ManualProgressClock>();
         m_kept.clear();
@@ -443,7 +444,7 @@ private slots:
         QCOMPARE(result.errors, QStringList());
         const QString base = useSourceDirectory ? m_sources : m_outputs;
         const QString expected = base + QStringLiteral("/Audio/aiff/a.aiff");
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(expected);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(expected);
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.formatName, QStringLiteral("aiff"));
         QCOMPARE(probe.sampleRate, 44100);
@@ -740,7 +741,7 @@ private slots:
                                      options(true, false, false), m_outputs, false);
         QCOMPARE(result.errors, QStringList());
         QCOMPARE(allNames(m_outputs), QStringList{expected});
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(out(expected));
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(out(expected));
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, 44100);
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Swapping a converted file into its original's place: the hidden helper names, the console
 // lines, the permission bits, the restore path, and a process killed at every step.
 #include "ConversionEngine/errors/ConversionError.h"
@@ -21,9 +22,9 @@
 
 using ConversionEngine::ConversionError;
 using Ondrilet::ReplacementStep;
-using platform::Console;
-using platform::FileAttributes;
-using testsupport::Fixtures;
+using Platform::Console;
+using Platform::FileAttributes;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -97,7 +98,7 @@ void failAt(ReplacementStep failing)
 {
     Ondrilet::setReplacementStepObserver([failing](ReplacementStep step) {
         if (step == failing)
-            throw platform::FileSystemError(EIO, platform::FileSystemError::Operation::write,
+            throw Platform::FileSystemError(EIO, Platform::FileSystemError::Operation::write,
                                             QStringLiteral("/injected"));
     });
 }
@@ -195,7 +196,7 @@ private slots:
         QCOMPARE(namesIn(m_dir.path()), QStringList{QStringLiteral("take.wav")});
         QCOMPARE(Fixtures::sha256(m_original), m_convertedSum);
         QCOMPARE(FileAttributes::permissions(m_original), 0640u);
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(m_original);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_original);
         QCOMPARE(probe.sampleRate, 44100);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
 
@@ -330,7 +331,7 @@ private slots:
         try {
             Ondrilet::replaceOriginal(m_original, m_temp);
             QFAIL("no error");
-        } catch (const platform::FileSystemError& error) {
+        } catch (const Platform::FileSystemError& error) {
             QCOMPARE(error.localizedDescription(), QStringLiteral("Input/output error: /injected"));
         }
         QVERIFY(recorder.lines().isEmpty());

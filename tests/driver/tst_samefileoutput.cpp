@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The driver when an output is its input under another name (a linked folder, a linked file, a
 // hard link, a bind mount, "." and ".." in the path): the conversion goes through the hidden
 // temporary file, the source is never touched before the swap, and the output replaces it.
@@ -27,8 +28,8 @@
 
 using namespace Ondrilet;
 using ConversionEngine::AudioLevelTarget;
-using platform::Console;
-using testsupport::Fixtures;
+using Platform::Console;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -176,7 +177,7 @@ private:
             QStringLiteral("🔄 Output would overwrite input - using temp file: ") +
             temporaries.constFirst()));
         QVERIFY(sourceUntouched);
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(original);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(original);
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.bitsPerSample, 16);
         QCOMPARE(probe.sampleRate, 44100);
@@ -189,7 +190,7 @@ private slots:
     {
         m_root = std::make_unique<QTemporaryDir>();
         QVERIFY(m_root->isValid());
-        platform::UserDefaults::setStandardFilePath(at(QStringLiteral("defaults.conf")));
+        Platform::UserDefaults::setStandardFilePath(at(QStringLiteral("defaults.conf")));
     }
 
     void everySpellingOfTheSourceGoesThroughTheTemporaryFile_data()
@@ -248,7 +249,7 @@ private slots:
         if (!passed && skipped)
             QSKIP(qPrintable(QStringLiteral("no mount namespace here: ") + output));
         QVERIFY2(passed, qPrintable(output));
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(original);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(original);
         QCOMPARE(probe.bitsPerSample, 16);
     }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/errors/ErrorHandler.h"
 #include "ConversionEngine/errors/MediaFileError.h"
 #include "platform/foundation/FileSystemError.h"
@@ -24,9 +25,9 @@
 
 using ConversionEngine::ConversionError;
 using ConversionEngine::ErrorHandler;
-using platform::FileSystemError;
-using platform::MediaError;
-using Operation = platform::FileSystemError::Operation;
+using Platform::FileSystemError;
+using Platform::MediaError;
+using Operation = Platform::FileSystemError::Operation;
 
 namespace ConversionEngine {
 // Lets a failed comparison show both errors.

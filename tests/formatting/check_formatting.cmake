@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Fails when clang-format would change any C++ file of the product, its tests or benchmarks.
 file(GLOB_RECURSE files "${ROOT}/platform/*.h" "${ROOT}/platform/*.cpp"
     "${ROOT}/ConversionEngine/*.h" "${ROOT}/ConversionEngine/*.cpp" "${ROOT}/app/*.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/Console.h"
 
 #include <QProcess>
@@ -6,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-using platform::Console;
+using Platform::Console;
 
 class TestConsole : public QObject
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileSystemError.h"
 
@@ -11,8 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using platform::FileAttributes;
-using platform::FileSystemError;
+using Platform::FileAttributes;
+using Platform::FileSystemError;
 
 namespace {
 

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/FileSystemError.h"
 
 #include <QTest>
 
 #include <cerrno>
 
-using platform::FileSystemError;
-using Operation = platform::FileSystemError::Operation;
+using Platform::FileSystemError;
+using Operation = Platform::FileSystemError::Operation;
 
 class TestFileSystemError : public QObject
 {

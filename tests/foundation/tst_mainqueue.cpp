@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/MainQueue.h"
 
 #include <QCoreApplication>
@@ -8,7 +9,7 @@
 #include <atomic>
 #include <thread>
 
-using platform::MainQueue;
+using Platform::MainQueue;
 
 class TestMainQueue : public QObject
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/MemoryPressureSource.h"
 
 #include <QFile>
@@ -7,7 +8,7 @@
 
 #include <ctime>
 
-using platform::MemoryPressureSource;
+using Platform::MemoryPressureSource;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/NotificationCenter.h"
 
 #include <QCoreApplication>
@@ -7,8 +8,8 @@
 #include <memory>
 #include <thread>
 
-using platform::NotificationCenter;
-using Notification = platform::NotificationCenter::Notification;
+using Platform::NotificationCenter;
+using Notification = Platform::NotificationCenter::Notification;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/ResidentMemory.h"
 
 #include <QFile>
@@ -8,7 +9,7 @@
 #include <memory>
 #include <unistd.h>
 
-using platform::ResidentMemory;
+using Platform::ResidentMemory;
 
 namespace {
 

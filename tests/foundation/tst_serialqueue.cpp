@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/SerialQueue.h"
 
 #include <QTest>
@@ -10,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-using platform::SerialQueue;
+using Platform::SerialQueue;
 using namespace std::chrono_literals;
 
 class TestSerialQueue : public QObject

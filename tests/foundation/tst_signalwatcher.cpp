@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A Unix signal delivered as a Qt signal on the main loop: counted arrivals up to the number
 // caught, the default action back with the last of them and when the watcher is gone, and a
 // burst of arrivals that the pipe hands over together.
@@ -8,7 +9,7 @@
 
 #include <csignal>
 
-using platform::SignalWatcher;
+using Platform::SignalWatcher;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/UserDefaults.h"
 
 #include <QFile>
@@ -8,8 +9,8 @@
 #include <memory>
 #include <sys/stat.h>
 
-using platform::UserDefaults;
-using ValueType = platform::UserDefaults::ValueType;
+using Platform::UserDefaults;
+using ValueType = Platform::UserDefaults::ValueType;
 
 class TestUserDefaults : public QObject
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer entry: any bytes as a media file, opened as an Asset and its first audio track read
 // to the end through an AssetReader. Single-threaded; one scratch file per process.
 #include "platform/media/Asset.h"
@@ -14,7 +15,7 @@
 #include <cstdint>
 #include <memory>
 
-using namespace platform;
+using namespace Platform;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer entry: any bytes as a command line (arguments split at zero bytes) through the
 // terminal front end's option parser. Single-threaded.
 #include "cli/CliOptionParser.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer entry: the output-name builder on any input path, with the output format, the
 // settings, the options and the level target chosen by the first bytes. Single-threaded; the
 // preferences it consults live in a scratch file of this process.
@@ -25,7 +26,7 @@ auto pick(const Array& cases, std::uint8_t byte)
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {
-    platform::UserDefaults::setStandardFilePath(
+    Platform::UserDefaults::setStandardFilePath(
         QDir::tempPath() + QStringLiteral("/ondrilet-fuzz-naming-") +
         QString::number(QCoreApplication::applicationPid()) + QStringLiteral(".conf"));
     return 0;

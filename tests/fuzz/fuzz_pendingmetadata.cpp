@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer entry: any bytes through the pending-metadata decoder, and what it accepts back
 // through the encoder. Single-threaded.
 #include "app/metadata/PendingMetadataStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libFuzzer entry: any bytes as the preferences file, every key read back as every type.
 // Single-threaded; one scratch file per process.
 #include "platform/foundation/UserDefaults.h"
@@ -30,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             return 0;
         file.write(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
     }
-    platform::UserDefaults defaults(scratchPath());
+    Platform::UserDefaults defaults(scratchPath());
     for (const QString& key : defaults.keys()) {
         (void)defaults.valueType(key);
         (void)defaults.data(key);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The manual's sections and pages, the sidebar's filter, the rich text of the topics, and the
 // notification that turns the window to a section.
 #include "app/help/HelpModel.h"

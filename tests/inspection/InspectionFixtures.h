@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small media files for the inspection tests, made by the ffmpeg tool with exactly the arguments
 // given, and the values ffprobe reports of their streams. Test threads.
 #pragma once
@@ -13,7 +14,7 @@
 #include <exception>
 #include <optional>
 
-namespace inspectiontest {
+namespace InspectionTest {
 
 template <typename T>
 struct Outcome
@@ -66,7 +67,7 @@ inline QStringList tone(double seconds)
 inline QString make(const QDir& directory, const QString& name, const QStringList& arguments)
 {
     const QString path = directory.filePath(name);
-    if (!testsupport::Fixtures::runFfmpeg(arguments + QStringList{path}))
+    if (!TestSupport::Fixtures::runFfmpeg(arguments + QStringList{path}))
         return {};
     return path;
 }
@@ -76,7 +77,7 @@ inline QJsonArray probedStreams(const QString& path, const QString& type)
 {
     QJsonArray result;
     const QJsonArray streams =
-        testsupport::Fixtures::probe(path)[QStringLiteral("streams")].toArray();
+        TestSupport::Fixtures::probe(path)[QStringLiteral("streams")].toArray();
     for (const QJsonValue& stream : streams)
         if (stream[QStringLiteral("codec_type")].toString() == type)
             result.append(stream);
@@ -92,4 +93,4 @@ inline double ratio(const QString& text)
     return parts[0].toDouble() / parts[1].toDouble();
 }
 
-} // namespace inspectiontest
+} // namespace InspectionTest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Interlacing and field-order detection on real files: interlaced MPEG-2 and H.264 made by the
 // ffmpeg tool with either field first are judged by their format keys; MPEG-4 files, whose
 // streams state no field order, go to the heuristic of name, size and rate. The key steps are
@@ -16,9 +17,9 @@
 #include <QTest>
 
 using namespace ConversionEngine;
-using namespace inspectiontest;
-using platform::Console;
-using testsupport::Fixtures;
+using namespace InspectionTest;
+using Platform::Console;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -31,20 +32,20 @@ QStringList mpeg4()
     return {QStringLiteral("-c:v"), QStringLiteral("mpeg4")};
 }
 
-platform::AssetTrack firstVideoTrack(const QString& path)
+Platform::AssetTrack firstVideoTrack(const QString& path)
 {
-    const platform::Asset asset(path);
-    const std::vector<platform::AssetTrack> tracks =
-        awaited(asset.loadTracks(platform::MediaType::video));
+    const Platform::Asset asset(path);
+    const std::vector<Platform::AssetTrack> tracks =
+        awaited(asset.loadTracks(Platform::MediaType::video));
     if (tracks.empty())
         qFatal("no video track in %s", qPrintable(path));
     return tracks.front();
 }
 
-platform::FormatDescription describedBy(const platform::SettingsDictionary& extensions)
+Platform::FormatDescription describedBy(const Platform::SettingsDictionary& extensions)
 {
-    platform::FormatDescription description;
-    description.mediaType = platform::MediaType::video;
+    Platform::FormatDescription description;
+    description.mediaType = Platform::MediaType::video;
     description.extensions = extensions;
     return description;
 }
@@ -142,8 +143,8 @@ private slots:
                          QStringList{QStringLiteral("-c:v"), QStringLiteral("mpeg2video"),
                                      QStringLiteral("-flags"), QStringLiteral("+ildct+ilme"),
                                      QStringLiteral("-top"), QStringLiteral("0")});
-        const platform::AssetTrack track = firstVideoTrack(path);
-        const std::vector<platform::FormatDescription> descriptions =
+        const Platform::AssetTrack track = firstVideoTrack(path);
+        const std::vector<Platform::FormatDescription> descriptions =
             awaited(track.loadFormatDescriptions());
         const FieldKeys keys = InterlacingDetector::fieldKeys(descriptions.front().extensions);
         QCOMPARE(keys.fieldCount, std::optional<std::int64_t>(2));
@@ -177,7 +178,7 @@ private slots:
             probedStreams(m_sd, QStringLiteral("video"))[0][QStringLiteral("field_order")].toString(
                 QStringLiteral("unknown")),
             QStringLiteral("unknown"));
-        const platform::AssetTrack track = firstVideoTrack(m_sd);
+        const Platform::AssetTrack track = firstVideoTrack(m_sd);
         QVERIFY(awaited(track.loadFormatDescriptions()).front().extensions.isEmpty());
 
         // 720×576 at 25 with no keys: interlaced by the SD rule, though it is progressive.
@@ -225,8 +226,8 @@ private slots:
         const QString path = name == QStringLiteral("hd.mov")
                                  ? m_hd
                                  : makeHere(name, pictures(size, rate, 0.2) + mpeg4());
-        const platform::AssetTrack track = firstVideoTrack(path);
-        const std::vector<platform::FormatDescription> descriptions =
+        const Platform::AssetTrack track = firstVideoTrack(path);
+        const std::vector<Platform::FormatDescription> descriptions =
             awaited(track.loadFormatDescriptions());
         Console::Recorder recorder;
         const InterlacingVerdict verdict =
@@ -267,9 +268,9 @@ private slots:
 
     void theExplicitFlagWinsOverTheFieldCount()
     {
-        const platform::AssetTrack track = firstVideoTrack(m_sd);
+        const Platform::AssetTrack track = firstVideoTrack(m_sd);
         Console::Recorder recorder;
-        const platform::FormatDescription description = describedBy(
+        const Platform::FormatDescription description = describedBy(
             {{QStringLiteral("IsInterlaced"), false}, {QStringLiteral("FieldCount"), 2}});
         const InterlacingVerdict verdict =
             awaited(InterlacingDetector::detectInterlacing(track, description));
@@ -304,7 +305,7 @@ private slots:
         QFETCH(bool, interlaced);
         QFETCH(QString, line);
         // The file is 1920×1080 at 25: the heuristic would say progressive.
-        const platform::AssetTrack track = firstVideoTrack(m_hd);
+        const Platform::AssetTrack track = firstVideoTrack(m_hd);
         Console::Recorder recorder;
         const InterlacingVerdict verdict =
             awaited(InterlacingDetector::detectInterlacing(track, describedBy({{key, value}})));
@@ -327,7 +328,7 @@ private slots:
     {
         QFETCH(QString, key);
         QFETCH(QVariant, value);
-        const platform::AssetTrack track = firstVideoTrack(m_sd);
+        const Platform::AssetTrack track = firstVideoTrack(m_sd);
         Console::Recorder recorder;
         const InterlacingVerdict verdict =
             awaited(InterlacingDetector::detectInterlacing(track, describedBy({{key, value}})));
@@ -337,7 +338,7 @@ private slots:
 
     void aFieldDetailHeldAsTextIsPassedOver()
     {
-        const platform::AssetTrack track = firstVideoTrack(m_hd);
+        const Platform::AssetTrack track = firstVideoTrack(m_hd);
         Console::Recorder recorder;
         // With a count, the count decides: two fields read as top first.
         FieldDominanceVerdict verdict = awaited(InterlacingDetector::detectFieldDominance(
@@ -382,12 +383,12 @@ private slots:
         QFETCH(QVariant, count);
         QFETCH(int, dominance);
         QFETCH(int, step);
-        platform::SettingsDictionary extensions;
+        Platform::SettingsDictionary extensions;
         if (detail.isValid())
             extensions.set(QStringLiteral("FieldDetail"), detail);
         if (count.isValid())
             extensions.set(QStringLiteral("FieldCount"), count);
-        const platform::AssetTrack track = firstVideoTrack(m_hd);
+        const Platform::AssetTrack track = firstVideoTrack(m_hd);
         Console::Recorder recorder;
         const FieldDominanceVerdict verdict =
             awaited(InterlacingDetector::detectFieldDominance(track, describedBy(extensions)));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // MediaFile on real files: construction from the file system and the extension alone, analysis
 // of the tracks, the codec tables, the bit rates, and what a failure leaves. Values are checked
 // against what ffprobe reports of the same files.
@@ -19,8 +20,8 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using namespace inspectiontest;
-using testsupport::Fixtures;
+using namespace InspectionTest;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -109,7 +110,7 @@ private slots:
         try {
             construct(QDir(m_dir.path()).filePath(QStringLiteral("missing.mov")));
             QFAIL("a missing file was accepted");
-        } catch (const platform::FileSystemError& error) {
+        } catch (const Platform::FileSystemError& error) {
             QCOMPARE(error.errnoValue(), ENOENT);
         }
     }
@@ -370,7 +371,7 @@ private slots:
         bool failed = false;
         try {
             awaited(MediaFile::analyze(file));
-        } catch (const platform::MediaError& error) {
+        } catch (const Platform::MediaError& error) {
             failed = true;
             QVERIFY(!error.localizedDescription().isEmpty());
         }

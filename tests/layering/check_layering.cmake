@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Reads every include of the product's sources under ROOT and fails on a dependency that points
 # the wrong way:
 #  - FFmpeg headers only in platform/media/ (its .cpp files and its internal/ folder, never in a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Real media for the level tests, made with the ffmpeg command-line tool inside the test's
 // temporary folder, and the same files decoded by it as an independent reference. Test code
 // only; main thread.
@@ -75,7 +76,7 @@ inline std::vector<float> decodeWithFfmpeg(const QString& path)
     return samples;
 }
 
-namespace detail {
+namespace Detail {
 
 // Pointers only: the coroutine frame then holds nothing that needs copying.
 template <class T>
@@ -91,7 +92,7 @@ QCoro::Task<> settle(QCoro::Task<T>* task, std::optional<T>* result, std::except
     loop->quit();
 }
 
-} // namespace detail
+} // namespace Detail
 
 // Runs the event loop until `task` ends; returns its value or rethrows its exception here.
 template <class T>
@@ -101,7 +102,7 @@ T awaitBlocking(QCoro::Task<T> task)
     std::optional<T> result;
     std::exception_ptr error;
     bool done = false;
-    QCoro::Task<> settling = detail::settle(&task, &result, &error, &done, &loop);
+    QCoro::Task<> settling = Detail::settle(&task, &result, &error, &done, &loop);
     if (!done)
         loop.exec();
     if (error)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Synthetic signals for the level tests: sines, silence and seeded noise, interleaved 32-bit
 // floats. Test code only; any thread.
 #pragma once

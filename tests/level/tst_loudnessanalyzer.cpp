@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/core/LoudnessAccumulator.h"
 #include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
 #include "LevelFixtures.h"
@@ -27,9 +28,9 @@ LoudnessResult analyse(const QString& path)
     return LevelFixtures::awaitBlocking(IntegratedLoudnessAnalyzer().analyze(path));
 }
 
-platform::StreamBasicDescription layout(double sampleRate, int channels)
+Platform::StreamBasicDescription layout(double sampleRate, int channels)
 {
-    platform::StreamBasicDescription description;
+    Platform::StreamBasicDescription description;
     description.sampleRate = sampleRate;
     description.channelsPerFrame = static_cast<std::uint32_t>(channels);
     return description;
@@ -139,17 +140,17 @@ private slots:
     void missingStreamLayoutMeansStereoAt48000()
     {
         using Layout = IntegratedLoudnessAnalyzer::StreamLayout;
-        const auto check = [](const std::vector<platform::FormatDescription>& descriptions,
+        const auto check = [](const std::vector<Platform::FormatDescription>& descriptions,
                               double rate, int channels) {
             const Layout found = IntegratedLoudnessAnalyzer::layoutFor(descriptions);
             return found.sampleRate == rate && found.channelCount == channels;
         };
         QVERIFY(check({}, 48000.0, 2));
-        platform::FormatDescription without;
+        Platform::FormatDescription without;
         QVERIFY(check({without}, 48000.0, 2));
-        platform::FormatDescription mono;
+        Platform::FormatDescription mono;
         mono.streamBasicDescription = layout(22050.0, 1);
-        platform::FormatDescription surround;
+        Platform::FormatDescription surround;
         surround.streamBasicDescription = layout(96000.0, 6);
         // The first description with a layout decides.
         QVERIFY(check({without, mono, surround}, 22050.0, 1));
@@ -163,7 +164,7 @@ private slots:
         try {
             analyse(path);
             QFAIL("no error");
-        } catch (const platform::MediaError& error) {
+        } catch (const Platform::MediaError& error) {
             QCOMPARE(error.domain(), QStringLiteral("IntegratedLoudnessAnalyzer"));
             QCOMPARE(error.code(), -1);
             QCOMPARE(error.localizedDescription(), QStringLiteral("No audio track found"));
@@ -175,7 +176,7 @@ private slots:
         try {
             analyse(m_dir.filePath(QStringLiteral("absent.wav")));
             QFAIL("no error");
-        } catch (const platform::MediaError& error) {
+        } catch (const Platform::MediaError& error) {
             QVERIFY(error.isMediaDomain());
         }
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/errors/ConversionError.h"
 #include "ConversionEngine/level/PeakLevelPass.h"
 #include "LevelFixtures.h"
@@ -92,7 +93,7 @@ private slots:
         try {
             measure(m_dir.filePath(QStringLiteral("absent.wav")));
             QFAIL("no error");
-        } catch (const platform::MediaError& error) {
+        } catch (const Platform::MediaError& error) {
             QVERIFY(error.isMediaDomain());
         }
     }

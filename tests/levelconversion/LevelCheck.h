@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Checks of level-processed outputs: ffmpeg's own loudness meter and peak detector as an outside
 // opinion, and a sample-by-sample comparison of an output with its source under one gain and the
 // clip at -0.2 dBFS, computed here without the engine's code. Test code; main thread.
@@ -15,7 +16,7 @@
 #include <optional>
 #include <vector>
 
-namespace levelcheck {
+namespace LevelCheck {
 
 // 10^(-0.2/20) as a 32-bit float; exactly representable in 24-bit PCM (8197660 / 2^23).
 constexpr float clipLevel = 0.97723722f;
@@ -128,4 +129,4 @@ inline GainComparison compareWithGain(const std::vector<float>& source,
     return result;
 }
 
-} // namespace levelcheck
+} // namespace LevelCheck

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A source without sound under each level setting: the level pass runs first and fails with its
 // own error, so the audio engine's "No audio track found in the source file" is reached only
 // without a target. Checked at the engine (what it throws, what its tracker shows) and through
@@ -17,7 +18,7 @@
 
 using ConversionEngine::AudioConverter;
 using ConversionEngine::AudioLevelTarget;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -65,7 +66,7 @@ private:
 
         DriverRun result;
         Ondrilet::MediaConverter converter;
-        platform::Console::Recorder recorder;
+        Platform::Console::Recorder recorder;
         // The driver's run never throws: every failure ends in the callback.
         QCoro::waitFor(
             converter.convertFiles({m_silentVideo}, settings, options, outputs(), {}, level, false,
@@ -82,7 +83,7 @@ private slots:
     {
         QVERIFY(m_dir.isValid());
         QVERIFY(QDir().mkpath(outputs()));
-        platform::UserDefaults::setStandardFilePath(
+        Platform::UserDefaults::setStandardFilePath(
             m_dir.filePath(QStringLiteral("defaults.conf")));
         m_silentVideo = Fixtures::makeVideo(m_dir.path(), QStringLiteral("silent.mp4"), 1.0, false);
         QVERIFY2(!m_silentVideo.isEmpty(), qPrintable(Fixtures::lastError()));
@@ -95,10 +96,10 @@ private slots:
     {
         AudioConverter converter;
         ConversionEngine::AudioSettings settings =
-            audiotest::settingsFor(ConversionEngine::AudioCodec::pcm);
+            AudioTest::settingsFor(ConversionEngine::AudioCodec::pcm);
         settings.levelProcessing = AudioLevelTarget::dbFS(-1.0f);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/a.wav"),
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/a.wav"),
                                ConversionEngine::AudioFormat::wav, settings);
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(),
@@ -111,10 +112,10 @@ private slots:
     {
         AudioConverter converter;
         ConversionEngine::AudioSettings settings =
-            audiotest::settingsFor(ConversionEngine::AudioCodec::pcm);
+            AudioTest::settingsFor(ConversionEngine::AudioCodec::pcm);
         settings.levelProcessing = AudioLevelTarget::integratedLUFS(-23.0f);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/b.wav"),
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/b.wav"),
                                ConversionEngine::AudioFormat::wav, settings);
         QVERIFY2(outcome.mediaError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.mediaError->domain(), QStringLiteral("IntegratedLoudnessAnalyzer"));
@@ -127,10 +128,10 @@ private slots:
     void withoutATargetTheEngineSaysItHasNoTrack()
     {
         AudioConverter converter;
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/c.wav"),
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, m_silentVideo, outputs() + QStringLiteral("/c.wav"),
                                ConversionEngine::AudioFormat::wav,
-                               audiotest::settingsFor(ConversionEngine::AudioCodec::pcm));
+                               AudioTest::settingsFor(ConversionEngine::AudioCodec::pcm));
         QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
         QCOMPARE(outcome.conversionError->errorDescription(),
                  QStringLiteral("Invalid file structure: No audio track found in the source file"));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Loudness targets through the whole audio engine on files made by ffmpeg: a target of -23 LUFS
 // gives an output that the program's own loudness analysis reads at -23 LUFS less the safety
 // factor of 0.98 (about -23.18), whether the source is raised or lowered; every sample is the
@@ -16,7 +17,7 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -59,7 +60,7 @@ private:
         QString path;
         float sourceLoudness = 0.0f;
         float gain = 0.0f;
-        levelcheck::GainComparison comparison;
+        LevelCheck::GainComparison comparison;
     };
 
     bool convert(const QString& source, float targetLufs, AudioFormat format, const QString& name,
@@ -67,20 +68,20 @@ private:
     {
         AudioConverter converter;
         AudioSettings settings =
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
         settings.levelProcessing = AudioLevelTarget::integratedLUFS(targetLufs);
         result.path = m_dir.filePath(name);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, source, result.path, format, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, source, result.path, format, settings);
         if (!outcome.succeeded()) {
             qWarning("%s", qPrintable(outcome.describe()));
             return false;
         }
         result.sourceLoudness = IntegratedLoudnessAnalyzer::analyzeBlocking(source).integratedLUFS;
         result.gain = gainFor(targetLufs, result.sourceLoudness);
-        result.comparison = levelcheck::compareWithGain(
+        result.comparison = LevelCheck::compareWithGain(
             Fixtures::decode(source).samples, Fixtures::decode(result.path).samples, result.gain,
-            true, 2.0f * levelcheck::step24);
+            true, 2.0f * LevelCheck::step24);
         return true;
     }
 
@@ -142,7 +143,7 @@ private slots:
                                 .arg(double(output.integratedLUFS))));
 
         // ffmpeg's meter weights and gates a little differently; it agrees to a few tenths.
-        const std::optional<double> outside = levelcheck::ffmpegIntegratedLoudness(converted.path);
+        const std::optional<double> outside = LevelCheck::ffmpegIntegratedLoudness(converted.path);
         QVERIFY(outside);
         QVERIFY2(std::fabs(*outside - expectedLoudness) <= 0.3,
                  qPrintable(QString::number(*outside)));
@@ -167,8 +168,8 @@ private slots:
         // The clip is the exception: nearly all of the signal is just the source scaled.
         QVERIFY(converted.comparison.scaled > 190000);
 
-        const testsupport::DecodedAudio output = Fixtures::decode(converted.path);
-        QCOMPARE(levelcheck::peakOf(output.samples), levelcheck::clipLevel);
+        const TestSupport::DecodedAudio output = Fixtures::decode(converted.path);
+        QCOMPARE(LevelCheck::peakOf(output.samples), LevelCheck::clipLevel);
     }
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Peak targets through the whole audio engine on files made by ffmpeg: the output's loudest
 // sample lands on the target, a target of -0.2 dBFS lands on the clip level, a target below the
 // source only scales it down, and a quiet noise floor raised hard is clipped at ±0.97723722 with
@@ -13,7 +14,7 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -43,8 +44,8 @@ private:
     struct Converted
     {
         QString path;
-        testsupport::DecodedAudio source;
-        testsupport::DecodedAudio output;
+        TestSupport::DecodedAudio source;
+        TestSupport::DecodedAudio output;
         float gain = 0.0f;
     };
 
@@ -54,18 +55,18 @@ private:
     {
         AudioConverter converter;
         AudioSettings settings =
-            audiotest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth24);
         settings.levelProcessing = AudioLevelTarget::dbFS(targetDbfs);
         result.path = m_dir.filePath(name);
-        const audiotest::Outcome outcome =
-            audiotest::convert(converter, source, result.path, format, settings);
+        const AudioTest::Outcome outcome =
+            AudioTest::convert(converter, source, result.path, format, settings);
         if (!outcome.succeeded()) {
             qWarning("%s", qPrintable(outcome.describe()));
             return false;
         }
         result.source = Fixtures::decode(source);
         result.output = Fixtures::decode(result.path);
-        result.gain = gainFor(targetDbfs, levelcheck::peakOf(result.source.samples));
+        result.gain = gainFor(targetDbfs, LevelCheck::peakOf(result.source.samples));
         return true;
     }
 
@@ -84,9 +85,9 @@ private slots:
              QStringLiteral("anoisesrc=color=white:amplitude=0.001:seed=11:r=48000:d=3"),
              QStringLiteral("-c:a"), QStringLiteral("pcm_f32le"), m_noise}));
 
-        const float sinePeak = levelcheck::peakOf(Fixtures::decode(m_sine).samples);
+        const float sinePeak = LevelCheck::peakOf(Fixtures::decode(m_sine).samples);
         QVERIFY2(sinePeak > 0.49999f && sinePeak <= 0.5f, qPrintable(QString::number(sinePeak)));
-        const float noisePeak = levelcheck::peakOf(Fixtures::decode(m_noise).samples);
+        const float noisePeak = LevelCheck::peakOf(Fixtures::decode(m_noise).samples);
         QVERIFY2(noisePeak > 0.00099f && noisePeak <= 0.001f,
                  qPrintable(QString::number(noisePeak)));
     }
@@ -111,19 +112,19 @@ private slots:
         QCOMPARE(converted.output.sampleRate, 48000);
 
         // 10^(-1/20) = 0.89125094, to a step of the 24-bit output.
-        const float peak = levelcheck::peakOf(converted.output.samples);
-        QVERIFY2(std::fabs(peak - 0.89125094f) <= 2.0f * levelcheck::step24,
+        const float peak = LevelCheck::peakOf(converted.output.samples);
+        QVERIFY2(std::fabs(peak - 0.89125094f) <= 2.0f * LevelCheck::step24,
                  qPrintable(QString::number(double(peak), 'g', 9)));
         QVERIFY2(std::fabs(converted.gain - 1.7825f) < 0.0001f,
                  qPrintable(QString::number(double(converted.gain), 'g', 9)));
 
-        const levelcheck::GainComparison comparison =
-            levelcheck::compareWithGain(converted.source.samples, converted.output.samples,
-                                        converted.gain, false, 2.0f * levelcheck::step24);
+        const LevelCheck::GainComparison comparison =
+            LevelCheck::compareWithGain(converted.source.samples, converted.output.samples,
+                                        converted.gain, false, 2.0f * LevelCheck::step24);
         QVERIFY2(comparison.mismatches == 0, qPrintable(comparison.firstMismatch));
         QCOMPARE(comparison.clippedHigh + comparison.clippedLow, std::size_t(0));
 
-        const std::optional<double> maxVolume = levelcheck::ffmpegMaxVolume(converted.path);
+        const std::optional<double> maxVolume = LevelCheck::ffmpegMaxVolume(converted.path);
         QVERIFY(maxVolume);
         QCOMPARE(*maxVolume, -1.0);
     }
@@ -133,16 +134,16 @@ private slots:
         Converted converted;
         QVERIFY(convert(m_sine, -0.2f, AudioFormat::wav, QStringLiteral("limit.wav"), converted));
         // The loudest sample reaches the clip level or stays a hair under it, never above.
-        const float peak = levelcheck::peakOf(converted.output.samples);
-        QVERIFY2(peak <= levelcheck::clipLevel &&
-                     peak >= levelcheck::clipLevel - 2.0f * levelcheck::step24,
+        const float peak = LevelCheck::peakOf(converted.output.samples);
+        QVERIFY2(peak <= LevelCheck::clipLevel &&
+                     peak >= LevelCheck::clipLevel - 2.0f * LevelCheck::step24,
                  qPrintable(QString::number(double(peak), 'g', 9)));
-        const levelcheck::GainComparison comparison =
-            levelcheck::compareWithGain(converted.source.samples, converted.output.samples,
-                                        converted.gain, false, 2.0f * levelcheck::step24);
+        const LevelCheck::GainComparison comparison =
+            LevelCheck::compareWithGain(converted.source.samples, converted.output.samples,
+                                        converted.gain, false, 2.0f * LevelCheck::step24);
         QVERIFY2(comparison.mismatches == 0, qPrintable(comparison.firstMismatch));
 
-        const std::optional<double> maxVolume = levelcheck::ffmpegMaxVolume(converted.path);
+        const std::optional<double> maxVolume = LevelCheck::ffmpegMaxVolume(converted.path);
         QVERIFY(maxVolume);
         QCOMPARE(*maxVolume, -0.2);
     }
@@ -153,17 +154,17 @@ private slots:
         QVERIFY(
             convert(m_sine, -12.0f, AudioFormat::wav, QStringLiteral("quieter.wav"), converted));
         QVERIFY(converted.gain < 0.51f && converted.gain > 0.50f);
-        const float peak = levelcheck::peakOf(converted.output.samples);
-        QVERIFY2(std::fabs(peak - 0.25118864f) <= 2.0f * levelcheck::step24,
+        const float peak = LevelCheck::peakOf(converted.output.samples);
+        QVERIFY2(std::fabs(peak - 0.25118864f) <= 2.0f * LevelCheck::step24,
                  qPrintable(QString::number(double(peak), 'g', 9)));
-        const levelcheck::GainComparison comparison =
-            levelcheck::compareWithGain(converted.source.samples, converted.output.samples,
-                                        converted.gain, false, 2.0f * levelcheck::step24);
+        const LevelCheck::GainComparison comparison =
+            LevelCheck::compareWithGain(converted.source.samples, converted.output.samples,
+                                        converted.gain, false, 2.0f * LevelCheck::step24);
         QVERIFY2(comparison.mismatches == 0, qPrintable(comparison.firstMismatch));
         QCOMPARE(comparison.clippedHigh + comparison.clippedLow, std::size_t(0));
         QCOMPARE(comparison.scaled, converted.source.samples.size());
 
-        const std::optional<double> maxVolume = levelcheck::ffmpegMaxVolume(converted.path);
+        const std::optional<double> maxVolume = LevelCheck::ffmpegMaxVolume(converted.path);
         QVERIFY(maxVolume);
         QCOMPARE(*maxVolume, -12.0);
     }
@@ -178,9 +179,9 @@ private slots:
                  qPrintable(QString::number(double(converted.gain))));
         QCOMPARE(converted.output.samples.size(), std::size_t(144000));
 
-        const levelcheck::GainComparison comparison =
-            levelcheck::compareWithGain(converted.source.samples, converted.output.samples,
-                                        converted.gain, false, 2.0f * levelcheck::step24);
+        const LevelCheck::GainComparison comparison =
+            LevelCheck::compareWithGain(converted.source.samples, converted.output.samples,
+                                        converted.gain, false, 2.0f * LevelCheck::step24);
         QVERIFY2(comparison.mismatches == 0, qPrintable(comparison.firstMismatch));
         // Uniform noise: about 2.3 % of it lies above 0.977 of its peak, split between the signs.
         QVERIFY2(comparison.clippedHigh > 1000 && comparison.clippedLow > 1000,
@@ -196,10 +197,10 @@ private slots:
             highest = std::fmax(highest, sample);
             lowest = std::fmin(lowest, sample);
         }
-        QCOMPARE(highest, levelcheck::clipLevel);
-        QCOMPARE(lowest, -levelcheck::clipLevel);
+        QCOMPARE(highest, LevelCheck::clipLevel);
+        QCOMPARE(lowest, -LevelCheck::clipLevel);
 
-        const std::optional<double> maxVolume = levelcheck::ffmpegMaxVolume(converted.path);
+        const std::optional<double> maxVolume = LevelCheck::ffmpegMaxVolume(converted.path);
         QVERIFY(maxVolume);
         QCOMPARE(*maxVolume, -0.2);
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Helpers shared by the video tests of the media layer: test pictures made by the ffmpeg CLI,
 // a track matrix written into a QuickTime-family file, and reading pictures back. Test thread.
 #pragma once
@@ -15,12 +16,12 @@
 
 #include <cstdint>
 
-namespace videotest {
+namespace VideoTest {
 
-inline platform::SettingsDictionary bgraSettings()
+inline Platform::SettingsDictionary bgraSettings()
 {
-    return platform::SettingsDictionary{{platform::SettingsKey::pixelFormatType,
-                                         QVariant::fromValue(platform::PixelFormatType::bgra32)}};
+    return Platform::SettingsDictionary{{Platform::SettingsKey::pixelFormatType,
+                                         QVariant::fromValue(Platform::PixelFormatType::bgra32)}};
 }
 
 // A test picture of `seconds` at `rate` and `size` ("320x240"), encoded with `codec` arguments.
@@ -40,7 +41,7 @@ inline QString makeClip(const QString& directory, const QString& name, double se
                                    QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p")}
                      : codec;
     arguments.append(path);
-    return testsupport::Fixtures::runFfmpeg(arguments) ? path : QString();
+    return TestSupport::Fixtures::runFfmpeg(arguments) ? path : QString();
 }
 
 // Writes the matrix {a b c d tx ty} into the first track header of a QuickTime-family file.
@@ -76,7 +77,7 @@ inline bool writeTrackMatrix(const QString& path, double a, double b, double c, 
 
 inline QJsonObject firstStream(const QString& path, const QString& type)
 {
-    const QJsonArray streams = testsupport::Fixtures::probe(path).value("streams").toArray();
+    const QJsonArray streams = TestSupport::Fixtures::probe(path).value("streams").toArray();
     for (const auto& stream : streams) {
         if (stream.toObject().value("codec_type").toString() == type)
             return stream.toObject();
@@ -87,9 +88,9 @@ inline QJsonObject firstStream(const QString& path, const QString& type)
 inline int streamCount(const QString& path, const QString& type)
 {
     int count = 0;
-    for (const auto& stream : testsupport::Fixtures::probe(path).value("streams").toArray())
+    for (const auto& stream : TestSupport::Fixtures::probe(path).value("streams").toArray())
         count += stream.toObject().value("codec_type").toString() == type ? 1 : 0;
     return count;
 }
 
-} // namespace videotest
+} // namespace VideoTest

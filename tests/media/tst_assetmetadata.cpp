@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file's tags as the media layer reports them: the container's keys with their common keys,
 // the creation date read as a date where it is one, the tags of an Ogg stream, and the probe's
 // error for a file that is not media.
@@ -11,8 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
 #include "platform/media/AssetReaderTrackOutput.h"
@@ -11,8 +12,8 @@
 
 #include <cmath>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -161,7 +162,7 @@ private slots:
         QCOMPARE(read.channels, channels);
         QVERIFY(read.contiguousTimes);
 
-        const testsupport::DecodedAudio reference = Fixtures::decode(path);
+        const TestSupport::DecodedAudio reference = Fixtures::decode(path);
         QVERIFY2(reference.channels == channels, qPrintable(Fixtures::lastError()));
         // QuickTime-family files state their exact length and the encoder's padding past it is
         // cut; elsewhere every decoded frame counts.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/SerialQueue.h"
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
@@ -18,8 +19,8 @@
 #include <atomic>
 #include <cmath>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -206,7 +207,7 @@ private slots:
         QCOMPARE(conversion.status, AssetWriter::Status::completed);
         QVERIFY(!conversion.error.has_value());
 
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.codecName, codec);
         QCOMPARE(probe.sampleRate, int(settings.number(SettingsKey::sampleRate).value()));
@@ -223,8 +224,8 @@ private slots:
 
         // Lossless outputs hold exactly the source's frames, and, at the source's depth or
         // deeper, exactly its samples.
-        const testsupport::DecodedAudio written = Fixtures::decode(path);
-        const testsupport::DecodedAudio original = Fixtures::decode(source);
+        const TestSupport::DecodedAudio written = Fixtures::decode(path);
+        const TestSupport::DecodedAudio original = Fixtures::decode(source);
         if (codec != QStringLiteral("aac")) {
             QCOMPARE(written.frameCount(), original.frameCount());
             const float step = bits == 16 ? 1.0f / 32768.0f : 1.0f / 8388608.0f;
@@ -262,7 +263,7 @@ private slots:
             convert(source, path, FileType::appleM4A,
                     codedSettings(AudioFormatId::mpeg4AAC, 44100, channels, bitRate));
         QCOMPARE(conversion.status, AssetWriter::Status::completed);
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.channels, channels);
         const double ratio = double(probe.bitRate) / expected;
@@ -275,7 +276,7 @@ private slots:
         const Conversion conversion =
             convert(m_source16, path, FileType::wave, pcmSettings(96000, 2, 24, false));
         QCOMPARE(conversion.status, AssetWriter::Status::completed);
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
         QCOMPARE(probe.sampleRate, 96000);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         const qint64 frames = Fixtures::decode(path).frameCount();
@@ -394,7 +395,7 @@ private slots:
         QVERIFY(done.tryAcquire(1, 30000));
         QCOMPARE(statusInCompletion.load(), 2);
         QCOMPARE(Fixtures::decode(path).frameCount(), qint64(8820));
-        const testsupport::DecodedAudio decoded = Fixtures::decode(path);
+        const TestSupport::DecodedAudio decoded = Fixtures::decode(path);
         QCOMPARE(decoded.samples[4409 + 4410],
                  float(std::lround(4409.0f / 4410.0f * 32768.0f)) / 32768.0f);
 

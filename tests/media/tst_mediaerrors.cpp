@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/foundation/SerialQueue.h"
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
@@ -21,8 +22,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 namespace {
 

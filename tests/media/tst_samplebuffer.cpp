@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/SampleBuffer.h"
 
 #include <QTest>
@@ -5,8 +6,8 @@
 #include <cstring>
 #include <vector>
 
-using platform::MediaTime;
-using platform::SampleBuffer;
+using Platform::MediaTime;
+using Platform::SampleBuffer;
 
 class TestSampleBuffer : public QObject
 {

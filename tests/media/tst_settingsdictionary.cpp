@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/SettingsDictionary.h"
 
 #include <QTest>
 
-using namespace platform;
+using namespace Platform;
 
 class TestSettingsDictionary : public QObject
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "VideoTestSupport.h"
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
@@ -10,8 +11,8 @@
 
 #include <cmath>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 class TestVideoReader : public QObject
 {
@@ -37,7 +38,7 @@ private:
         const AssetTrack track = asset.tracks(MediaType::video).at(0);
         AssetReader reader(asset);
         auto output = std::make_shared<AssetReaderVideoCompositionOutput>(
-            asset.tracks(MediaType::video), videotest::bgraSettings());
+            asset.tracks(MediaType::video), VideoTest::bgraSettings());
         VideoComposition composition;
         composition.renderSize = renderSize;
         composition.frameDuration = frameDuration;
@@ -75,7 +76,7 @@ private slots:
 
     void videoTrackFacts()
     {
-        const QString path = videotest::makeClip(
+        const QString path = VideoTest::makeClip(
             m_dir.path(), "tagged.mp4", 2, 25,
             {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-color_primaries",
              "bt709", "-color_trc", "bt709", "-colorspace", "bt709"});
@@ -88,7 +89,7 @@ private slots:
         QVERIFY(track.preferredTransform().isIdentity());
         QCOMPARE(track.nominalFrameRate(), 25.0F);
         const double probedRate =
-            videotest::firstStream(path, "video").value("bit_rate").toString().toDouble();
+            VideoTest::firstStream(path, "video").value("bit_rate").toString().toDouble();
         QVERIFY(probedRate > 0);
         QVERIFY2(std::abs(track.estimatedDataRate() - probedRate) / probedRate < 0.05,
                  qPrintable(QString::number(track.estimatedDataRate())));
@@ -110,7 +111,7 @@ private slots:
 
     void untaggedSourceHasNoColourKeys()
     {
-        const QString path = videotest::makeClip(m_dir.path(), "plain.mov", 1, 25);
+        const QString path = VideoTest::makeClip(m_dir.path(), "plain.mov", 1, 25);
         QVERIFY(!path.isEmpty());
         const FormatDescription description =
             Asset(path).tracks(MediaType::video).at(0).formatDescriptions().at(0);
@@ -121,7 +122,7 @@ private slots:
 
     void interlacedSourceNamesItsFields()
     {
-        const QString path = videotest::makeClip(
+        const QString path = VideoTest::makeClip(
             m_dir.path(), "fields.mov", 1, 25,
             {"-c:v", "libx264", "-preset", "ultrafast", "-flags", "+ildct+ilme", "-top", "1"});
         QVERIFY(!path.isEmpty());
@@ -154,7 +155,7 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QStringList, codec);
         QFETCH(QString, code);
-        const QString path = videotest::makeClip(m_dir.path(), name, 0.4, 25, codec);
+        const QString path = VideoTest::makeClip(m_dir.path(), name, 0.4, 25, codec);
         QVERIFY2(!path.isEmpty(), qPrintable(Fixtures::lastError()));
         const FormatDescription description =
             Asset(path).tracks(MediaType::video).at(0).formatDescriptions().at(0);
@@ -165,8 +166,8 @@ private slots:
 
     void rotatedSourceReportsItsMatrix()
     {
-        const QString path = videotest::makeClip(m_dir.path(), "turned.mov", 1, 25);
-        QVERIFY(videotest::writeTrackMatrix(path, 0, 1, -1, 0, 240, 0));
+        const QString path = VideoTest::makeClip(m_dir.path(), "turned.mov", 1, 25);
+        QVERIFY(VideoTest::writeTrackMatrix(path, 0, 1, -1, 0, 240, 0));
         const AssetTrack track = Asset(path).tracks(MediaType::video).at(0);
         QCOMPARE(track.preferredTransform(), (AffineTransform{0, 1, -1, 0, 240, 0}));
         QCOMPARE(track.naturalSize(), (Size{320, 240}));
@@ -174,14 +175,14 @@ private slots:
 
     void trackOutputKeepsSourceTimes()
     {
-        const QString path = videotest::makeClip(
+        const QString path = VideoTest::makeClip(
             m_dir.path(), "late.mp4", 1, 25,
             {"-c:v", "libx264", "-preset", "ultrafast", "-output_ts_offset", "2"});
         QVERIFY(!path.isEmpty());
         const Asset asset(path);
         AssetReader reader(asset);
         auto output = std::make_shared<AssetReaderTrackOutput>(asset.tracks(MediaType::video).at(0),
-                                                               videotest::bgraSettings());
+                                                               VideoTest::bgraSettings());
         QVERIFY(reader.canAdd(*output));
         reader.add(output);
         QVERIFY(reader.startReading());
@@ -218,7 +219,7 @@ private slots:
         QFETCH(int, sourceRate);
         QFETCH(int, frameScale);
         QFETCH(int, frames);
-        const QString path = videotest::makeClip(
+        const QString path = VideoTest::makeClip(
             m_dir.path(), QStringLiteral("grid%1.mp4").arg(sourceRate), 2, sourceRate);
         QVERIFY(!path.isEmpty());
         const auto samples = compose(path, MediaTime::make(1, frameScale), Size{160, 120});
@@ -259,7 +260,7 @@ private slots:
             Fixtures::runFfmpeg({"-f", "lavfi", "-i", "color=white:s=320x240:r=10:d=1", "-vf",
                                  "drawbox=y=120:w=320:h=120:color=black:t=fill", "-c:v", "libx264",
                                  "-preset", "ultrafast", "-pix_fmt", "yuv420p", path}));
-        QVERIFY(videotest::writeTrackMatrix(path, 0, 1, -1, 0, 240, 0));
+        QVERIFY(VideoTest::writeTrackMatrix(path, 0, 1, -1, 0, 240, 0));
         const AssetTrack track = Asset(path).tracks(MediaType::video).at(0);
         const AffineTransform transform = AffineTransform::concat(
             track.preferredTransform(), AffineTransform::makeScale(1.0, 1.0));
@@ -299,7 +300,7 @@ private slots:
             file.write(bytes);
         } else if (kind == "truncated") {
             // The index sits before the data, so cutting the data leaves a readable header.
-            path = videotest::makeClip(
+            path = VideoTest::makeClip(
                 m_dir.path(), "cut.mp4", 2, 25,
                 {"-c:v", "libx264", "-preset", "ultrafast", "-movflags", "+faststart"});
             QVERIFY(!path.isEmpty());
@@ -322,7 +323,7 @@ private slots:
                 throw MediaError::media(MediaError::fileFormatNotRecognized, "no video");
             AssetReader reader(asset);
             auto output =
-                std::make_shared<AssetReaderTrackOutput>(tracks.front(), videotest::bgraSettings());
+                std::make_shared<AssetReaderTrackOutput>(tracks.front(), VideoTest::bgraSettings());
             reader.add(output);
             if (reader.startReading()) {
                 while (output->copyNextSampleBuffer()) {
@@ -352,7 +353,7 @@ private slots:
         const AssetTrack track = asset.tracks(MediaType::video).at(0);
         QCOMPARE(track.nominalFrameRate(), 0.0F);
         AssetReader reader(asset);
-        auto output = std::make_shared<AssetReaderTrackOutput>(track, videotest::bgraSettings());
+        auto output = std::make_shared<AssetReaderTrackOutput>(track, VideoTest::bgraSettings());
         reader.add(output);
         QVERIFY(reader.startReading());
         QCOMPARE(readAll(*output).size(), std::size_t(1));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "VideoTestSupport.h"
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
@@ -16,8 +17,8 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace platform;
-using testsupport::Fixtures;
+using namespace Platform;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -109,7 +110,7 @@ Outcome transcode(const QString& source, const QString& target, FileType type,
     }
     AssetReader reader(asset);
     auto videoOutput =
-        std::make_shared<AssetReaderTrackOutput>(videoTrack, videotest::bgraSettings());
+        std::make_shared<AssetReaderTrackOutput>(videoTrack, VideoTest::bgraSettings());
     reader.add(videoOutput);
     std::shared_ptr<AssetReaderTrackOutput> audioOutput;
     if (audioInput) {
@@ -168,13 +169,13 @@ Outcome transcode(const QString& source, const QString& target, FileType type,
 
 int frameCount(const QString& path)
 {
-    const QJsonObject stream = videotest::firstStream(path, "video");
+    const QJsonObject stream = VideoTest::firstStream(path, "video");
     return stream.value("nb_frames").toString().toInt();
 }
 
 double streamDuration(const QString& path, const QString& type)
 {
-    return videotest::firstStream(path, type).value("duration").toString().toDouble();
+    return VideoTest::firstStream(path, type).value("duration").toString().toDouble();
 }
 
 } // namespace
@@ -259,7 +260,7 @@ private slots:
         QVERIFY(outcome.added);
         QVERIFY2(outcome.status == AssetWriter::Status::completed,
                  qPrintable(outcome.error ? outcome.error->localizedDescription() : "?"));
-        const QJsonObject video = videotest::firstStream(path, "video");
+        const QJsonObject video = VideoTest::firstStream(path, "video");
         QCOMPARE(video.value("codec_name").toString(), codecName);
         QCOMPARE(video.value("codec_tag_string").toString(), tag);
         QCOMPARE(video.value("profile").toString(), profile);
@@ -272,7 +273,7 @@ private slots:
         QCOMPARE(video.value("height").toInt(), height);
         QCOMPARE(frameCount(path), 50);
         QVERIFY(std::abs(streamDuration(path, "video") - 2.0) <= 1.0 / 25 + 1e-6);
-        const QJsonObject audio = videotest::firstStream(path, "audio");
+        const QJsonObject audio = VideoTest::firstStream(path, "audio");
         QCOMPARE(audio.value("codec_name").toString(), QString("aac"));
         QCOMPARE(audio.value("channels").toInt(), 2);
         QCOMPARE(audio.value("sample_rate").toString(), QString("44100"));
@@ -337,7 +338,7 @@ private slots:
                                           videoSettings(codec, 320, 240, std::int64_t(asked)));
         QCOMPARE(outcome.status, AssetWriter::Status::completed);
         const double made =
-            videotest::firstStream(path, "video").value("bit_rate").toString().toDouble();
+            VideoTest::firstStream(path, "video").value("bit_rate").toString().toDouble();
         QVERIFY2(std::abs(made - asked) / asked < 0.15, qPrintable(QString::number(made)));
     }
 
@@ -356,7 +357,7 @@ private slots:
 
     void colourTagsTravel()
     {
-        const QString tagged = videotest::makeClip(
+        const QString tagged = VideoTest::makeClip(
             m_dir.path(), "tagged.mov", 1, 25,
             {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-color_primaries",
              "bt709", "-color_trc", "bt709", "-colorspace", "bt709"});
@@ -365,7 +366,7 @@ private slots:
                            videoSettings(VideoCodecName::h264, 320, 240))
                      .status,
                  AssetWriter::Status::completed);
-        const QJsonObject out = videotest::firstStream(target("tagged-out.mp4"), "video");
+        const QJsonObject out = VideoTest::firstStream(target("tagged-out.mp4"), "video");
         QCOMPARE(out.value("color_primaries").toString(), QString("bt709"));
         QCOMPARE(out.value("color_transfer").toString(), QString("bt709"));
         QCOMPARE(out.value("color_space").toString(), QString("bt709"));
@@ -374,7 +375,7 @@ private slots:
                            videoSettings(VideoCodecName::h264, 320, 240))
                      .status,
                  AssetWriter::Status::completed);
-        const QJsonObject plain = videotest::firstStream(target("plain-out.mp4"), "video");
+        const QJsonObject plain = VideoTest::firstStream(target("plain-out.mp4"), "video");
         QVERIFY(!plain.contains("color_primaries") || plain.value("color_primaries") == "unknown");
         QVERIFY(!plain.contains("color_space") || plain.value("color_space") == "unknown");
     }
@@ -393,7 +394,7 @@ private slots:
         QFETCH(QString, size);
         QFETCH(int, width);
         QFETCH(int, height);
-        const QString source = videotest::makeClip(
+        const QString source = VideoTest::makeClip(
             m_dir.path(), "shape" + size + ".mov", 1, 25,
             {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv444p"}, size);
         QVERIFY2(!source.isEmpty(), qPrintable(Fixtures::lastError()));
@@ -402,7 +403,7 @@ private slots:
                            videoSettings(VideoCodecName::h264, width, height))
                      .status,
                  AssetWriter::Status::completed);
-        const QJsonObject video = videotest::firstStream(path, "video");
+        const QJsonObject video = VideoTest::firstStream(path, "video");
         QCOMPARE(video.value("width").toInt(), width);
         QCOMPARE(video.value("height").toInt(), height);
         QCOMPARE(frameCount(path), 25);
@@ -432,7 +433,7 @@ private slots:
             transcode(source, path, FileType::mpeg4, videoSettings(VideoCodecName::h264, 320, 240))
                 .status,
             AssetWriter::Status::completed);
-        const QJsonObject audio = videotest::firstStream(path, "audio");
+        const QJsonObject audio = VideoTest::firstStream(path, "audio");
         QCOMPARE(audio.value("codec_name").toString(), QString("aac"));
         QCOMPARE(audio.value("channels").toInt(), expected);
         QCOMPARE(audio.value("sample_rate").toString(), QString("48000"));
@@ -441,12 +442,12 @@ private slots:
 
     void videoWithoutAudioAndTwoAudioTracks()
     {
-        const QString silent = videotest::makeClip(m_dir.path(), "silent.mp4", 1, 25);
+        const QString silent = VideoTest::makeClip(m_dir.path(), "silent.mp4", 1, 25);
         QCOMPARE(transcode(silent, target("silent-out.mp4"), FileType::mpeg4,
                            videoSettings(VideoCodecName::h264, 320, 240))
                      .status,
                  AssetWriter::Status::completed);
-        QCOMPARE(videotest::streamCount(target("silent-out.mp4"), "audio"), 0);
+        QCOMPARE(VideoTest::streamCount(target("silent-out.mp4"), "audio"), 0);
 
         const QString two = QDir(m_dir.path()).filePath("two.mov");
         QVERIFY(
@@ -468,8 +469,8 @@ private slots:
                            videoSettings(VideoCodecName::h264, 320, 240))
                      .status,
                  AssetWriter::Status::completed);
-        QCOMPARE(videotest::streamCount(target("two-out.mp4"), "audio"), 1);
-        const QJsonObject audio = videotest::firstStream(target("two-out.mp4"), "audio");
+        QCOMPARE(VideoTest::streamCount(target("two-out.mp4"), "audio"), 1);
+        const QJsonObject audio = VideoTest::firstStream(target("two-out.mp4"), "audio");
         QCOMPARE(audio.value("channels").toInt(), 1);
         QCOMPARE(audio.value("sample_rate").toString(), QString("44100"));
     }
@@ -586,7 +587,7 @@ private slots:
 
     void compositionIntoWriter()
     {
-        const QString source = videotest::makeClip(m_dir.path(), "thirty.mp4", 2, 30);
+        const QString source = VideoTest::makeClip(m_dir.path(), "thirty.mp4", 2, 30);
         const Asset asset(source);
         const AssetTrack track = asset.tracks(MediaType::video).at(0);
         const QString path = target("composed.mp4");
@@ -596,7 +597,7 @@ private slots:
         QVERIFY(writer.startWriting());
         AssetReader reader(asset);
         auto output = std::make_shared<AssetReaderVideoCompositionOutput>(
-            asset.tracks(MediaType::video), videotest::bgraSettings());
+            asset.tracks(MediaType::video), VideoTest::bgraSettings());
         VideoComposition composition{Size{320, 240}, MediaTime::make(1, 24), {}};
         VideoCompositionLayerInstruction layer(track);
         layer.setTransform(
@@ -617,7 +618,7 @@ private slots:
         finish(writer);
         QCOMPARE(writer.status(), AssetWriter::Status::completed);
         QCOMPARE(frameCount(path), 48);
-        QCOMPARE(videotest::firstStream(path, "video").value("avg_frame_rate").toString(),
+        QCOMPARE(VideoTest::firstStream(path, "video").value("avg_frame_rate").toString(),
                  QString("24/1"));
     }
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/MemoryPressureSource.h"
@@ -15,7 +16,7 @@
 using ConversionEngine::ManualProgressClock;
 using ConversionEngine::MemoryManager;
 using ConversionEngine::MemoryStats;
-using platform::SampleBuffer;
+using Platform::SampleBuffer;
 
 namespace {
 
@@ -23,7 +24,7 @@ const QString category = QStringLiteral("Ondrilet.MemoryManager");
 
 std::shared_ptr<SampleBuffer> makeBuffer(int frames = 1024)
 {
-    return SampleBuffer::make(platform::MediaTime::zero(), 48000, 2, frames);
+    return SampleBuffer::make(Platform::MediaTime::zero(), 48000, 2, frames);
 }
 
 std::vector<std::shared_ptr<SampleBuffer>> makeBuffers(int count)
@@ -141,7 +142,7 @@ private slots:
     void usageCountsEveryBufferAsFourKibibytes()
     {
         MemoryManager manager(50, 20);
-        const auto big = SampleBuffer::make(platform::MediaTime::zero(), 48000, 8, 48000);
+        const auto big = SampleBuffer::make(Platform::MediaTime::zero(), 48000, 8, 48000);
         const auto small = makeBuffer(1);
         QSignalSpy usage(&manager, &MemoryManager::memoryUsageChanged);
         manager.trackBuffer(big);
@@ -215,7 +216,7 @@ private slots:
     {
         ManualProgressClock clock;
         MemoryManager manager(50, 20);
-        platform::MemoryPressureSource* source = manager.memorySource();
+        Platform::MemoryPressureSource* source = manager.memorySource();
         source->setQuietIntervalSeconds(0.01);
         source->reportStall();
         deliverQueuedCalls();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/memory/StreamingBufferProcessor.h"
 #include "ConversionEngine/progress/ManualProgressClock.h"
@@ -24,7 +25,7 @@
 using ConversionEngine::ManualProgressClock;
 using ConversionEngine::MemoryManager;
 using ConversionEngine::StreamingBufferProcessor;
-using platform::SampleBuffer;
+using Platform::SampleBuffer;
 using Buffer = std::shared_ptr<SampleBuffer>;
 
 namespace {
@@ -62,7 +63,7 @@ std::deque<Buffer> buffersOfFrames(std::initializer_list<int> frames)
 {
     std::deque<Buffer> buffers;
     for (int count : frames)
-        buffers.push_back(SampleBuffer::make(platform::MediaTime::zero(), 48000, 2, count));
+        buffers.push_back(SampleBuffer::make(Platform::MediaTime::zero(), 48000, 2, count));
     return buffers;
 }
 
@@ -194,18 +195,18 @@ private slots:
         QVERIFY(ffmpeg.waitForFinished(60000));
         QCOMPARE(ffmpeg.exitCode(), 0);
 
-        const platform::Asset asset(path);
-        platform::AssetReader reader(asset);
-        const platform::SettingsDictionary decodeSettings{
-            {platform::SettingsKey::formatId,
-             QVariant::fromValue(platform::AudioFormatId::linearPCM)},
-            {platform::SettingsKey::linearPCMBitDepth, 32},
-            {platform::SettingsKey::linearPCMIsBigEndian, false},
-            {platform::SettingsKey::linearPCMIsFloat, true},
-            {platform::SettingsKey::linearPCMIsNonInterleaved, false},
+        const Platform::Asset asset(path);
+        Platform::AssetReader reader(asset);
+        const Platform::SettingsDictionary decodeSettings{
+            {Platform::SettingsKey::formatId,
+             QVariant::fromValue(Platform::AudioFormatId::linearPCM)},
+            {Platform::SettingsKey::linearPCMBitDepth, 32},
+            {Platform::SettingsKey::linearPCMIsBigEndian, false},
+            {Platform::SettingsKey::linearPCMIsFloat, true},
+            {Platform::SettingsKey::linearPCMIsNonInterleaved, false},
         };
-        auto output = std::make_shared<platform::AssetReaderTrackOutput>(
-            asset.tracks(platform::MediaType::audio).front(), decodeSettings);
+        auto output = std::make_shared<Platform::AssetReaderTrackOutput>(
+            asset.tracks(Platform::MediaType::audio).front(), decodeSettings);
         reader.add(output);
         QVERIFY(reader.startReading());
 

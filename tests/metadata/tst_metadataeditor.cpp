@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/MetadataEditorModel.h"
 #include "app/metadata/PendingMetadataStore.h"
 #include "app/window/FileListModel.h"
@@ -18,9 +19,9 @@
 #include <memory>
 
 using namespace Ondrilet;
-using platform::Console;
-using platform::UserDefaults;
-using testsupport::Fixtures;
+using Platform::Console;
+using Platform::UserDefaults;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -356,7 +357,7 @@ private slots:
         editor().readMetadata(first);
         QTRY_COMPARE(editor().detectedFileFormat(), QStringLiteral("WAV Audio"));
         editor().setMetadataLoader([](QString) -> QCoro::Task<QVariantMap> {
-            throw platform::MediaError("AVFoundationErrorDomain", -11828,
+            throw Platform::MediaError("AVFoundationErrorDomain", -11828,
                                        "Cannot Open: the file is not a movie");
             co_return QVariantMap();
         });

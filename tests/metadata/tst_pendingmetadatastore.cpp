@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/PendingMetadataStore.h"
 #include "platform/foundation/UserDefaults.h"
 
@@ -8,7 +9,7 @@
 #include <QTest>
 
 using Ondrilet::PendingMetadataStore;
-using platform::UserDefaults;
+using Platform::UserDefaults;
 
 class TestPendingMetadataStore : public QObject
 {

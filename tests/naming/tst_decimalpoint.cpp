@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Figures in names and texts keep a point as decimal mark when the user's locale writes a comma:
 // the test builds a German locale of its own (localedef into a private LOCPATH) and runs again
 // under it, where the C library's own printf would write "1,5".

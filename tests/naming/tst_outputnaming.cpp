@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/PendingMetadataStore.h"
 #include "app/naming/OutputNaming.h"
 #include "platform/foundation/Console.h"
@@ -16,8 +17,8 @@ using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::InterlacingHandlingMode;
 using ConversionEngine::VideoFrameRate;
-using platform::Console;
-using platform::UserDefaults;
+using Platform::Console;
+using Platform::UserDefaults;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Debian package, made by CPack from this build's binaries, unpacked into a throw-away root:
 // its Depends come from the shared libraries, it holds the programs, the desktop files, the icons,
 // the man pages and the completion, and the programs run from there.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop entry and the metainfo as desktop-file-validate and appstreamcli check them, and what
 // they must agree on with the build: the program they start and the version of the newest release.
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Preset Manager's rules on a real store: selection and reload, add, duplicate, save, remove,
 // factory reset, and the pickers' rows.
 #include "app/presets/PresetManagerModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/presets/PresetStore.h"
 #include "platform/foundation/Console.h"
 
@@ -333,7 +334,7 @@ private slots:
     // The store keeps its work to itself: no console lines.
     void operationsPrintNothing()
     {
-        platform::Console::Recorder recorder;
+        Platform::Console::Recorder recorder;
         PresetStore store;
         store.addPreset(userVideo("V"));
         store.addPreset(userAudio("A"));

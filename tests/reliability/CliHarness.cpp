@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/reliability/CliHarness.h"
 
 #include <QDir>
@@ -6,7 +7,7 @@
 #include <QFileInfo>
 #include <QProcessEnvironment>
 
-namespace reliability {
+namespace Reliability {
 
 CliHarness::CliHarness(const QString& root)
     : m_home(root + QStringLiteral("/home"))
@@ -189,4 +190,4 @@ QStringList CliHarness::hiddenHelpers(const QString& directory)
     return helpers;
 }
 
-} // namespace reliability
+} // namespace Reliability

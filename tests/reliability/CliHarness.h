@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs ondrilet-cli as a child process for the reliability tests: each run has its own home, a
 // time limit after which the child is killed and the run counts as hung, and optionally a file
 // call that the fault library makes fail or stop at. The output kinds and destinations are rows,
@@ -10,7 +11,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace reliability {
+namespace Reliability {
 
 // A file call made to fail with an errno, or to stop the child for good, on paths below
 // `folder`; `call` empty means no fault. See FaultShim.cpp for the meaning of each field.
@@ -102,7 +103,7 @@ private:
     QString m_out;
 };
 
-} // namespace reliability
+} // namespace Reliability
 
-Q_DECLARE_METATYPE(reliability::OutputKind)
-Q_DECLARE_METATYPE(reliability::Destination)
+Q_DECLARE_METATYPE(Reliability::OutputKind)
+Q_DECLARE_METATYPE(Reliability::Destination)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A library loaded with LD_PRELOAD into a program under test: it makes one kind of file call
 // fail, or stops the program at it, on paths below one folder. Any thread of the program may
 // enter it; it keeps one atomic count and no other state that changes.

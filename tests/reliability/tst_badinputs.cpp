@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Inputs ondrilet-cli must refuse, or read as far as they go, for every audio output kind: empty
 // and one-byte files, random bytes under every supported extension, files cut inside their
 // headers and inside their data, a FIFO, a folder named like a file, a dangling link, an
@@ -20,8 +21,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-using namespace reliability;
-using testsupport::Fixtures;
+using namespace Reliability;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -297,7 +298,7 @@ private slots:
         } else {
             QCOMPARE(outcome.err, QString());
             QCOMPARE(outcome.exitCode, 0);
-            const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
+            const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
             QVERIFY2(probe.found, qPrintable(output));
             if (input.verdict == Verdict::convertsShorter)
                 QVERIFY2(probe.durationSeconds > 0.1 && probe.durationSeconds < 1.9,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // File calls made to fail while ondrilet-cli converts: creating, writing and syncing the output,
 // and each move and removal of the in-place swap, with ENOSPC, EIO, EACCES and EROFS, for every
 // output kind sent to a folder, beside the source and over it. Each run must end within the time
@@ -14,8 +15,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using namespace reliability;
-using testsupport::Fixtures;
+using namespace Reliability;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -134,7 +135,7 @@ private:
 
     static bool isCompleteOutput(const QString& path, const OutputKind& kind)
     {
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
         return probe.found && probe.durationSeconds > 1.9 && probe.durationSeconds < 2.1 &&
                QFileInfo(path).suffix() == kind.extension;
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli killed with SIGKILL while it writes an output and before each step of the
 // in-place swap, held there by the fault library rather than by timing. Afterwards a complete
 // copy of the source must exist under its own name or the backup's, and the same command run
@@ -11,8 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-using namespace reliability;
-using testsupport::Fixtures;
+using namespace Reliability;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -71,7 +72,7 @@ private:
 
     static bool isCompleteOutput(const QString& path, const OutputKind& kind)
     {
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
         const bool codecMatches = kind.name == QStringLiteral("m4a-aac")
                                       ? probe.codecName == QStringLiteral("aac")
                                   : kind.name == QStringLiteral("m4a-alac")

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The Settings window's stored values and when its theme is applied, and the About texts.
 #include "app/shell/AboutInfo.h"
 #include "app/shell/SettingsModel.h"
@@ -27,7 +28,7 @@ private slots:
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<platform::UserDefaults> m_defaults;
+    std::unique_ptr<Platform::UserDefaults> m_defaults;
 };
 
 void SettingsModelTest::init()
@@ -35,7 +36,7 @@ void SettingsModelTest::init()
     m_defaults.reset();
     m_dir = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dir->isValid());
-    m_defaults = std::make_unique<platform::UserDefaults>(m_dir->filePath("prefs.conf"));
+    m_defaults = std::make_unique<Platform::UserDefaults>(m_dir->filePath("prefs.conf"));
 }
 
 void SettingsModelTest::appearanceDefaultsToSystem()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/Fixtures.h"
 
 #include <QCryptographicHash>
@@ -10,7 +11,7 @@
 
 #include <cstring>
 
-namespace testsupport {
+namespace TestSupport {
 
 namespace {
 
@@ -184,4 +185,4 @@ QString Fixtures::lastError()
     return g_lastError;
 }
 
-} // namespace testsupport
+} // namespace TestSupport

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Test fixtures made and checked with the ffmpeg and ffprobe command-line tools, which stand
 // apart from the program's own media code: make a tone or a short video into a directory,
 // read a file's first audio stream as ffprobe sees it, decode a file to float samples, hash a
@@ -11,7 +12,7 @@
 
 #include <vector>
 
-namespace testsupport {
+namespace TestSupport {
 
 // The first audio stream of a file as ffprobe reports it; empty fields when absent.
 struct AudioStreamProbe
@@ -71,4 +72,4 @@ public:
     static QString lastError();
 };
 
-} // namespace testsupport
+} // namespace TestSupport

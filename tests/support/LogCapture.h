@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Collects the log lines of one category while it lives, so that tests can check exact texts and
 // levels. Main thread tests only; installs a Qt message handler and restores the previous one.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Test helpers for the video engine: clips made by the ffmpeg tool at a chosen size, rate and
 // sound, what ffprobe sees in a file (streams, frame times), and a runner that drives one
 // conversion to its end and keeps what it threw. Test thread (the main thread) only.
@@ -20,7 +21,7 @@
 #include <optional>
 #include <vector>
 
-namespace videotest {
+namespace VideoTest {
 
 // A testsrc picture of `width`×`height` at `rate` for `seconds`, H.264 unless `videoArguments`
 // say otherwise, with the inputs and arguments of `audioArguments` for sound (none when empty).
@@ -40,7 +41,7 @@ inline QString makeClip(const QString& directory, const QString& fileName, doubl
              QStringLiteral("ultrafast"), QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p")};
     arguments += outputArguments;
     arguments += path;
-    return testsupport::Fixtures::runFfmpeg(arguments) ? path : QString();
+    return TestSupport::Fixtures::runFfmpeg(arguments) ? path : QString();
 }
 
 // A sine tone input for makeClip.
@@ -79,7 +80,7 @@ inline std::vector<double> frameTimes(const QString& path)
 
 inline QJsonArray streams(const QString& path)
 {
-    return testsupport::Fixtures::probe(path).value(QStringLiteral("streams")).toArray();
+    return TestSupport::Fixtures::probe(path).value(QStringLiteral("streams")).toArray();
 }
 
 inline std::vector<QJsonObject> streamsOf(const QString& path, const QString& type)
@@ -93,7 +94,7 @@ inline std::vector<QJsonObject> streamsOf(const QString& path, const QString& ty
 
 inline double formatDuration(const QString& path)
 {
-    return testsupport::Fixtures::probe(path)
+    return TestSupport::Fixtures::probe(path)
         .value(QStringLiteral("format"))
         .toObject()
         .value(QStringLiteral("duration"))
@@ -105,7 +106,7 @@ struct Outcome
 {
     bool finished = false;
     std::optional<ConversionEngine::ConversionError> conversionError;
-    std::optional<platform::MediaError> mediaError;
+    std::optional<Platform::MediaError> mediaError;
     QString otherError;
 
     bool succeeded() const
@@ -136,7 +137,7 @@ inline QCoro::Task<> capture(QCoro::Task<> task, Outcome& outcome, QEventLoop* l
         co_await std::move(task);
     } catch (const ConversionEngine::ConversionError& conversionError) {
         outcome.conversionError = conversionError;
-    } catch (const platform::MediaError& mediaError) {
+    } catch (const Platform::MediaError& mediaError) {
         outcome.mediaError = mediaError;
     } catch (const std::exception& otherError) {
         outcome.otherError = QString::fromUtf8(otherError.what());
@@ -184,4 +185,4 @@ inline Outcome convert(ConversionEngine::VideoConverter& converter, const QStrin
     return outcome;
 }
 
-} // namespace videotest
+} // namespace VideoTest

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole conversions in each reading arrangement, checked by ffprobe: the source's own timing, 24 to
 // 30 by duplication, 30 to 24 and 30 to 30 through the composition; a one-frame video; a first
 // frame at 2 s; a preset size.
@@ -10,8 +11,8 @@
 #include <cmath>
 
 using namespace ConversionEngine;
-using namespace videotest;
-using testsupport::Fixtures;
+using namespace VideoTest;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -34,7 +35,7 @@ class TestVideoArrangements : public QObject
                           const VideoConversionSettings& settings)
     {
         VideoConverter converter;
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         const Outcome outcome = convert(converter, source, output, settings);
         if (!outcome.succeeded())
             qWarning("%s", qPrintable(outcome.describe()));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole conversions to each codec and with each kind of sound, checked by ffprobe: H.264, HEVC,
 // ProRes 422 and 4444 (always in a QuickTime file); mono 44.1 kHz, 5.1, 8 channels cut to 6, a
 // rate outside the kept three, no sound, and two audio tracks of which the first is kept.
@@ -8,8 +9,8 @@
 #include <QTest>
 
 using namespace ConversionEngine;
-using namespace videotest;
-using testsupport::Fixtures;
+using namespace VideoTest;
+using TestSupport::Fixtures;
 
 class TestVideoCodecsAndAudio : public QObject
 {
@@ -24,7 +25,7 @@ class TestVideoCodecsAndAudio : public QObject
                           const VideoConversionSettings& settings)
     {
         VideoConverter converter;
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         const Outcome outcome = convert(converter, source, output, settings);
         if (!outcome.succeeded())
             qWarning("%s", qPrintable(outcome.describe()));
@@ -133,7 +134,7 @@ private slots:
         QCOMPARE(audio[0].value("codec_name").toString(), QStringLiteral("aac"));
         QCOMPARE(audio[0].value("channels").toInt(), channels);
         QCOMPARE(audio[0].value("sample_rate").toString().toInt(), rate);
-        const testsupport::DecodedAudio decoded = Fixtures::decode(output);
+        const TestSupport::DecodedAudio decoded = Fixtures::decode(output);
         QVERIFY(decoded.frameCount() > rate * 0.9);
     }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video engine's entry with real files: the guard against a second run (whose publisher takes
 // over the first run's reports), the check for a video track, the progress steps in order, the
 // state after success and failure, the CRF of every quality mode, and cancellation.
@@ -9,8 +10,8 @@
 #include <QTest>
 
 using namespace ConversionEngine;
-using namespace videotest;
-using testsupport::Fixtures;
+using namespace VideoTest;
+using TestSupport::Fixtures;
 
 class TestVideoConverter : public QObject
 {
@@ -155,7 +156,7 @@ private slots:
             VideoConversionSettings settings = settingsFor();
             settings.qualityMode = mode;
             VideoConverter converter;
-            platform::Console::Recorder console;
+            Platform::Console::Recorder console;
             const Outcome outcome = convert(converter, m_clip, outputPath("mode.mp4"), settings);
             QVERIFY2(outcome.succeeded(), qPrintable(outcome.describe()));
             const QStringList lines = console.lines();
@@ -179,7 +180,7 @@ private slots:
         QCOMPARE(converter.statusMessage(), QString());
         QVERIFY(!converter.progressTracker()->cancellationRequested());
 
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         connect(&converter, &VideoConverter::isConvertingChanged, this, [&converter](bool on) {
             if (on)
                 converter.cancelConversion();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The writer's video settings built from source facts: the four keys and the compression
 // properties per codec, the size rules with their console lines, the colour report, the bit-rate
 // line and the container choice.
@@ -7,7 +8,7 @@
 #include <QTest>
 
 using namespace ConversionEngine;
-namespace Key = platform::SettingsKey;
+namespace Key = Platform::SettingsKey;
 
 namespace {
 
@@ -28,7 +29,7 @@ class TestVideoOutputSettings : public QObject
 private slots:
     void h264AtCrf23For1080p()
     {
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         const VideoOutputSettingsResult result =
             VideoOutputSettings::build(coded(1920, 1080), 23, VideoCodec::h264, std::nullopt);
         QCOMPARE(result.width, 1920.0);
@@ -38,7 +39,7 @@ private slots:
                               Key::videoCompressionProperties}));
         QCOMPARE(result.settings.value(Key::videoCodec).toString(), QStringLiteral("avc1"));
         QCOMPARE(result.settings.integer(Key::videoWidth), std::optional<std::int64_t>(1920));
-        const platform::SettingsDictionary properties =
+        const Platform::SettingsDictionary properties =
             *result.settings.dictionary(Key::videoCompressionProperties);
         QCOMPARE(properties.keys(), (QStringList{Key::videoAverageBitRate, Key::videoProfileLevel,
                                                  Key::videoH264EntropyMode}));
@@ -57,7 +58,7 @@ private slots:
 
     void oddSourceAndPresetLines()
     {
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         VideoOutputSettings::build(coded(1921, 1081), 23, VideoCodec::hevc, std::nullopt);
         QVERIFY(
             console.lines().contains("⚠️ Adjusted odd dimensions: 1921×1081 → 1920×1080"));
@@ -78,7 +79,7 @@ private slots:
     {
         VideoSourceFacts facts;
         facts.naturalSize = VideoSize{640, 480};
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         VideoOutputSettings::build(facts, 23, VideoCodec::h264, std::nullopt);
         const QStringList lines = console.lines();
         QCOMPARE(lines.first(), QStringLiteral("📐 Using naturalSize: 640×480 (fallback)"));
@@ -94,7 +95,7 @@ private slots:
     {
         VideoSourceFacts facts = coded(320, 240);
         facts.colorPrimaries = QStringLiteral("ITU_R_2020");
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         const VideoOutputSettingsResult result =
             VideoOutputSettings::build(facts, 23, VideoCodec::h264, std::nullopt);
         QVERIFY(console.lines().contains("   Primaries: ITU_R_2020"));
@@ -108,7 +109,7 @@ private slots:
     {
         const VideoOutputSettingsResult standard =
             VideoOutputSettings::build(coded(320, 240), 23, VideoCodec::prores422, std::nullopt);
-        const platform::SettingsDictionary properties =
+        const Platform::SettingsDictionary properties =
             *standard.settings.dictionary(Key::videoCompressionProperties);
         QCOMPARE(properties.keys(), QStringList{Key::videoQuality});
         QCOMPARE(properties.value(Key::videoQuality).toFloat(), 0.5490196f);
@@ -116,7 +117,7 @@ private slots:
 
         const VideoOutputSettingsResult alpha =
             VideoOutputSettings::build(coded(320, 240), 40, VideoCodec::prores4444, std::nullopt);
-        const platform::SettingsDictionary alphaProperties =
+        const Platform::SettingsDictionary alphaProperties =
             *alpha.settings.dictionary(Key::videoCompressionProperties);
         QCOMPARE(alphaProperties.keys(), (QStringList{Key::videoQuality, Key::pixelFormatType}));
         QCOMPARE(alphaProperties.value(Key::videoQuality).toFloat(), 0.21568626f);
@@ -126,7 +127,7 @@ private slots:
 
     void bitRateLineShowsTheCrfAsAsked()
     {
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         QCOMPARE(VideoOutputSettings::bitrateForCRF(3, 1280.0, 720.0), std::int64_t(19353600));
         QCOMPARE(VideoOutputSettings::bitrateForCRF(40, 1280.0, 720.0), std::int64_t(1105920));
         QCOMPARE(console.lines(),
@@ -137,15 +138,15 @@ private slots:
     void fileType()
     {
         VideoConversionSettings settings;
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         settings.outputFormat = VideoFormat::m4v;
-        QCOMPARE(VideoOutputSettings::outputFileType(settings), platform::FileType::mpeg4);
+        QCOMPARE(VideoOutputSettings::outputFileType(settings), Platform::FileType::mpeg4);
         settings.outputFormat = VideoFormat::mov;
-        QCOMPARE(VideoOutputSettings::outputFileType(settings), platform::FileType::quickTimeMovie);
+        QCOMPARE(VideoOutputSettings::outputFileType(settings), Platform::FileType::quickTimeMovie);
         QVERIFY(console.lines().isEmpty());
         settings.outputFormat = VideoFormat::mp4;
         settings.codec = VideoCodec::prores422;
-        QCOMPARE(VideoOutputSettings::outputFileType(settings), platform::FileType::quickTimeMovie);
+        QCOMPARE(VideoOutputSettings::outputFileType(settings), Platform::FileType::quickTimeMovie);
         QCOMPARE(console.lines(),
                  QStringList{"🔧 Using .mov file type for ProRes ProRes 422 in CRF mode"});
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video and audio pumps of a video conversion against stand-in endpoints: the plain and the
 // upsampling branch, a full input at any point, pictures missing, equal times, failed appends,
 // the 60-frame progress reports, and the finish shared by both pumps.
@@ -12,7 +13,7 @@
 #include <deque>
 
 using namespace ConversionEngine;
-using platform::MediaTime;
+using Platform::MediaTime;
 
 namespace {
 
@@ -132,14 +133,14 @@ public:
     int appended = 0;
     int markedFinished = 0;
 
-    std::shared_ptr<platform::SampleBuffer> copyNextSampleBuffer() override
+    std::shared_ptr<Platform::SampleBuffer> copyNextSampleBuffer() override
     {
         if (remaining == 0)
             return nullptr;
         --remaining;
-        return platform::SampleBuffer::make(MediaTime::zero(), 48000, 2, 16);
+        return Platform::SampleBuffer::make(MediaTime::zero(), 48000, 2, 16);
     }
-    bool append(const std::shared_ptr<platform::SampleBuffer>&) override
+    bool append(const std::shared_ptr<Platform::SampleBuffer>&) override
     {
         return ++appended != failAt;
     }
@@ -157,7 +158,7 @@ private slots:
     {
         Harness harness(false, 1.0 / 30.0);
         harness.endpoints->samples = sourceFrames(30.0, 10);
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         QCOMPARE(harness.runToEnd(), 1);
         QCOMPARE(int(harness.endpoints->written.size()), 9);
         for (int index = 0; index < 9; ++index)
@@ -229,7 +230,7 @@ private slots:
         Harness harness(true, 0.1);
         harness.endpoints->samples = {sampleAt(1.0, 1), sampleAt(1.2, 2, false), sampleAt(1.4, 3),
                                       sampleAt(1.6, 4)};
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         harness.runToEnd();
         QVERIFY(console.lines().contains("⚠️ Failed to get pixel buffer from sample #2"));
         // Picture 1 runs through the gap left by sample 2, then picture 3 until 1.6.
@@ -252,7 +253,7 @@ private slots:
         Harness plain(false, 1.0 / 30.0);
         plain.endpoints->samples = sourceFrames(30.0, 6);
         plain.endpoints->failFrom = 3;
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         QCOMPARE(plain.runToEnd(), 1);
         QCOMPARE(plain.endpoints->markedFinished, 1);
         QCOMPARE(plain.finishes, 0);
@@ -311,7 +312,7 @@ private slots:
         auto count = std::make_shared<std::int64_t>(0);
         int finishes = 0;
         VideoAudioPump pump({endpoints, count, [&finishes] { ++finishes; }});
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         pump();
         QCOMPARE(endpoints->appended, 1);
         pump();
@@ -332,7 +333,7 @@ private slots:
         auto count = std::make_shared<std::int64_t>(0);
         int finishes = 0;
         VideoAudioPump pump({endpoints, count, [&finishes] { ++finishes; }});
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         pump();
         pump();
         QCOMPARE(endpoints->markedFinished, 1);
@@ -383,7 +384,7 @@ private slots:
         parameters.resume = [&resumes] { ++resumes; };
         parameters.hasAudio = hasAudio;
         PumpFinish finish(std::move(parameters));
-        platform::Console::Recorder console;
+        Platform::Console::Recorder console;
         if (hasAudio) {
             finish.finished(audioLast ? PumpFinish::Pump::video : PumpFinish::Pump::audio);
             QCOMPARE(finishCalls, 0);

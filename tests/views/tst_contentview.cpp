@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window over its model under the offscreen platform: the open panel, a dropped list
 // of files, row reordering, removal, clearing, the settings sections following the format and
 // codec, the preview, the Convert button, the overwrite question, and the progress area during a
@@ -49,7 +50,7 @@
 #include <sys/stat.h>
 
 using namespace Ondrilet;
-using testsupport::Fixtures;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -162,7 +163,7 @@ private:
 void ContentViewTest::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    platform::UserDefaults::setStandardFilePath(m_dir.filePath(QStringLiteral("prefs.conf")));
+    Platform::UserDefaults::setStandardFilePath(m_dir.filePath(QStringLiteral("prefs.conf")));
     AppearancePalette::apply(QStringLiteral("Light"));
 }
 
@@ -173,7 +174,7 @@ void ContentViewTest::init()
 
 void ContentViewTest::cleanupTestCase()
 {
-    platform::UserDefaults::setStandardFilePath(QString());
+    Platform::UserDefaults::setStandardFilePath(QString());
 }
 
 QString ContentViewTest::tone(const QString& directory, const QString& name, double seconds)
@@ -305,7 +306,7 @@ void ContentViewTest::reordersByDraggingARowOntoAnother()
     QCoreApplication::processEvents();
     QCOMPARE(w.model.listedFiles(), files);
 
-    platform::Console::Recorder console;
+    Platform::Console::Recorder console;
     AutomatorFileRowView* last = w.list()->rows().at(2);
     auto* data = w.list()->rows().at(0)->dragMimeData().release();
     const QPointF centre(last->width() / 2.0, last->height() / 2.0);
@@ -597,7 +598,7 @@ void ContentViewTest::overwriteQuestionCancelsOrOverwrites()
     QTRY_VERIFY_WITH_TIMEOUT(!w.model.mediaConverter()->isConverting(), 60000);
     QVERIFY(!w.model.pendingConversionSettings().has_value());
     // The original's name now holds a new file: its conversion, swapped into place.
-    const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
+    const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
     QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
     QCOMPARE(probe.formatName, QStringLiteral("wav"));
     QVERIFY(qAbs(probe.durationSeconds - 0.5) < 0.01);
@@ -680,7 +681,7 @@ void ContentViewTest::progressAreaFollowsARealConversion()
     QCOMPARE(area->heartbeatDot()->isBeating(), tracker->heartbeatActive());
 
     const QString output = QDir(outputFolder).filePath(QStringLiteral("take.aiff"));
-    const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
+    const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
     QVERIFY2(probe.found, qPrintable(Fixtures::lastError() + QStringLiteral(" ") +
                                      QDir(outputFolder).entryList().join(QLatin1Char(','))));
     QCOMPARE(probe.formatName, QStringLiteral("aiff"));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The windows besides the main one, on the offscreen platform: each opened through its menu
 // command and its shortcut, the Help entries turning Help to their section, the preset manager,
 // settings and progress windows bound to their models, and screenshots in light and dark.
@@ -161,7 +162,7 @@ private:
 void OtherWindowsTest::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    platform::UserDefaults::setStandardFilePath(m_dir.filePath(QStringLiteral("prefs.conf")));
+    Platform::UserDefaults::setStandardFilePath(m_dir.filePath(QStringLiteral("prefs.conf")));
     QCoreApplication::setApplicationName(QStringLiteral("Ondrilet"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
 }
@@ -169,12 +170,12 @@ void OtherWindowsTest::initTestCase()
 void OtherWindowsTest::init()
 {
     AppearancePalette::apply(QStringLiteral("Light"));
-    platform::UserDefaults::standard().removeObject(SettingsModel::appearanceModeKey);
+    Platform::UserDefaults::standard().removeObject(SettingsModel::appearanceModeKey);
 }
 
 void OtherWindowsTest::cleanupTestCase()
 {
-    platform::UserDefaults::setStandardFilePath(QString());
+    Platform::UserDefaults::setStandardFilePath(QString());
 }
 
 QString OtherWindowsTest::touch(const QString& name, qint64 bytes)
@@ -392,7 +393,7 @@ void OtherWindowsTest::presetManagerShowsTheHintWithNothingSelected()
 
 void OtherWindowsTest::settingsStoreTheThemeAndApplyIt()
 {
-    platform::UserDefaults::standard().setString(SettingsModel::appearanceModeKey,
+    Platform::UserDefaults::standard().setString(SettingsModel::appearanceModeKey,
                                                  QStringLiteral("Dark"));
     Program p;
     // Stored dark shows only once Settings has opened.
@@ -404,7 +405,7 @@ void OtherWindowsTest::settingsStoreTheThemeAndApplyIt()
     QCOMPARE(view->themeBox()->currentIndex(), 2);
     view->themeBox()->pick(1);
     QVERIFY(!AppearancePalette::isDark(QApplication::palette()));
-    QCOMPARE(platform::UserDefaults::standard().string(SettingsModel::appearanceModeKey),
+    QCOMPARE(Platform::UserDefaults::standard().string(SettingsModel::appearanceModeKey),
              QStringLiteral("Light"));
     QCOMPARE(view->pathField()->text(), QDir::homePath() + QStringLiteral("/Desktop"));
 
@@ -581,7 +582,7 @@ void OtherWindowsTest::screenshots()
     const QString c = touch(QStringLiteral("voice.aiff"), 1024 * 1024);
     for (const QString& appearance : {QStringLiteral("Light"), QStringLiteral("Dark")}) {
         AppearancePalette::apply(appearance);
-        platform::UserDefaults::standard().setString(SettingsModel::appearanceModeKey, appearance);
+        Platform::UserDefaults::standard().setString(SettingsModel::appearanceModeKey, appearance);
         const QString tone = appearance.toLower();
         Program p;
         p.windows.showPresetManager();
@@ -627,7 +628,7 @@ void OtherWindowsTest::screenshots()
         tracker->stopTracking();
         shoot(&p.window, QStringLiteral("main-with-details-%1").arg(tone));
     }
-    platform::UserDefaults::standard().removeObject(SettingsModel::appearanceModeKey);
+    Platform::UserDefaults::standard().removeObject(SettingsModel::appearanceModeKey);
     AppearancePalette::apply(QStringLiteral("Light"));
 }
 

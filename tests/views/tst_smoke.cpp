@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The real program on a virtual display: started with a file, it lists it; a second launch with
 // more files hands them to the first and exits without a window of its own; a file sent twice is
 // listed once. Told to end by a signal, it quits through its own exit path.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the trap helper with one trap name and reports how it ended. Test thread only.
 #pragma once
 

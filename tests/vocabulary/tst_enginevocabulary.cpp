@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/progress/ConversionPhase.h"
 #include "ConversionEngine/progress/ConversionProgress.h"
 #include "ConversionEngine/vocabulary/AudioBitrate.h"
@@ -59,10 +60,10 @@ private slots:
         checkStringCases(allAudioFormats(),
                          {AudioFormat::aiff, AudioFormat::wav, AudioFormat::m4a, AudioFormat::caf},
                          {"aiff", "wav", "m4a", "CAF"}, audioFormatFromRawValue);
-        QCOMPARE(fileType(AudioFormat::aiff), platform::FileType::aiff);
-        QCOMPARE(fileType(AudioFormat::wav), platform::FileType::wave);
-        QCOMPARE(fileType(AudioFormat::m4a), platform::FileType::appleM4A);
-        QCOMPARE(fileType(AudioFormat::caf), platform::FileType::coreAudioFormat);
+        QCOMPARE(fileType(AudioFormat::aiff), Platform::FileType::aiff);
+        QCOMPARE(fileType(AudioFormat::wav), Platform::FileType::wave);
+        QCOMPARE(fileType(AudioFormat::m4a), Platform::FileType::appleM4A);
+        QCOMPARE(fileType(AudioFormat::caf), Platform::FileType::coreAudioFormat);
         QCOMPARE(isCompressed(AudioFormat::aiff), false);
         QCOMPARE(isCompressed(AudioFormat::wav), false);
         QCOMPARE(isCompressed(AudioFormat::m4a), true);
@@ -268,10 +269,10 @@ private slots:
             const char* raw;
             const char* displayName;
             double numeric;
-            platform::MediaTime duration;
+            Platform::MediaTime duration;
             FrameRateCategory category;
         };
-        using platform::MediaTime;
+        using Platform::MediaTime;
         const std::vector<Row> rows{
             {VideoFrameRate::source, "Source", "Source", 0.0, MediaTime::invalid(),
              FrameRateCategory::source},
@@ -301,7 +302,7 @@ private slots:
             QCOMPARE(displayName(row.rate), QString::fromUtf8(row.displayName));
             QCOMPARE(numericValue(row.rate), row.numeric);
             // Value and timescale exactly, not merely the same number of seconds.
-            const platform::MediaTime duration = frameDuration(row.rate);
+            const Platform::MediaTime duration = frameDuration(row.rate);
             QCOMPARE(duration.isValid, row.duration.isValid);
             QCOMPARE(duration.value, row.duration.value);
             QCOMPARE(duration.timescale, row.duration.timescale);
@@ -357,9 +358,9 @@ private slots:
         QCOMPARE(fileExtension(VideoFormat::mp4), QStringLiteral("mp4"));
         QCOMPARE(fileExtension(VideoFormat::mov), QStringLiteral("mov"));
         QCOMPARE(fileExtension(VideoFormat::m4v), QStringLiteral("m4v"));
-        QCOMPARE(fileType(VideoFormat::mp4), platform::FileType::mpeg4);
-        QCOMPARE(fileType(VideoFormat::mov), platform::FileType::quickTimeMovie);
-        QCOMPARE(fileType(VideoFormat::m4v), platform::FileType::mpeg4);
+        QCOMPARE(fileType(VideoFormat::mp4), Platform::FileType::mpeg4);
+        QCOMPARE(fileType(VideoFormat::mov), Platform::FileType::quickTimeMovie);
+        QCOMPARE(fileType(VideoFormat::m4v), Platform::FileType::mpeg4);
         QCOMPARE(videoFormatFromRawValue(QStringLiteral("mp4")), std::optional<VideoFormat>());
     }
 
@@ -369,10 +370,10 @@ private slots:
             allVideoCodecs(),
             {VideoCodec::h264, VideoCodec::hevc, VideoCodec::prores422, VideoCodec::prores4444},
             {"H.264", "HEVC", "ProRes 422", "ProRes 4444"}, videoCodecFromRawValue);
-        QCOMPARE(codecType(VideoCodec::h264), platform::VideoCodecType::h264);
-        QCOMPARE(codecType(VideoCodec::hevc), platform::VideoCodecType::hevc);
-        QCOMPARE(codecType(VideoCodec::prores422), platform::VideoCodecType::appleProRes422);
-        QCOMPARE(codecType(VideoCodec::prores4444), platform::VideoCodecType::appleProRes4444);
+        QCOMPARE(codecType(VideoCodec::h264), Platform::VideoCodecType::h264);
+        QCOMPARE(codecType(VideoCodec::hevc), Platform::VideoCodecType::hevc);
+        QCOMPARE(codecType(VideoCodec::prores422), Platform::VideoCodecType::appleProRes422);
+        QCOMPARE(codecType(VideoCodec::prores4444), Platform::VideoCodecType::appleProRes4444);
         QCOMPARE(supportsAlpha(VideoCodec::h264), false);
         QCOMPARE(supportsAlpha(VideoCodec::hevc), false);
         QCOMPARE(supportsAlpha(VideoCodec::prores422), false);
@@ -437,10 +438,10 @@ private slots:
                          {VideoExportQuality::highest, VideoExportQuality::high,
                           VideoExportQuality::medium, VideoExportQuality::low},
                          {"Highest", "High", "Medium", "Low"}, videoExportQualityFromRawValue);
-        QCOMPARE(exportPreset(VideoExportQuality::highest), platform::ExportPreset::highestQuality);
-        QCOMPARE(exportPreset(VideoExportQuality::high), platform::ExportPreset::preset1920x1080);
-        QCOMPARE(exportPreset(VideoExportQuality::medium), platform::ExportPreset::mediumQuality);
-        QCOMPARE(exportPreset(VideoExportQuality::low), platform::ExportPreset::lowQuality);
+        QCOMPARE(exportPreset(VideoExportQuality::highest), Platform::ExportPreset::highestQuality);
+        QCOMPARE(exportPreset(VideoExportQuality::high), Platform::ExportPreset::preset1920x1080);
+        QCOMPARE(exportPreset(VideoExportQuality::medium), Platform::ExportPreset::mediumQuality);
+        QCOMPARE(exportPreset(VideoExportQuality::low), Platform::ExportPreset::lowQuality);
     }
 
     void videoConversionSettingsRecord()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TrapRun.h"
 #include "app/driver/SettingsMapping.h"
 #include "platform/foundation/Console.h"
@@ -5,7 +6,7 @@
 #include <QTest>
 
 using namespace Ondrilet;
-using platform::Console;
+using Platform::Console;
 namespace Engine = ConversionEngine;
 
 class TestSettingsMapping : public QObject

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs one fatal trap of the settings vocabulary, named by its first argument, so that a test
 // can watch the process die with the trap's text. Exits with 2 if the trap does not fire.
 #include "ConversionEngine/vocabulary/AudioLevelPreset.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/MetadataEditorModel.h"
 #include "app/presets/PresetStore.h"
 #include "app/window/ContentViewModel.h"
@@ -22,8 +23,8 @@ using ConversionEngine::AudioLevelPreset;
 using ConversionEngine::AudioLevelTarget;
 using ConversionEngine::InterlacingHandlingMode;
 using ConversionEngine::VideoFrameRate;
-using platform::Console;
-using platform::NotificationCenter;
+using Platform::Console;
+using Platform::NotificationCenter;
 
 namespace {
 
@@ -68,7 +69,7 @@ private slots:
         QVERIFY(m_home.isValid());
         qputenv("HOME", m_home.path().toUtf8());
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        platform::UserDefaults::setStandardFilePath(m_home.filePath("defaults.conf"));
+        Platform::UserDefaults::setStandardFilePath(m_home.filePath("defaults.conf"));
     }
 
     void init()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/presets/PresetStore.h"
 #include "app/window/ContentViewModel.h"
 #include "app/window/DirectoryBookmark.h"
@@ -15,8 +16,8 @@
 #include <memory>
 
 using namespace Ondrilet;
-using platform::Console;
-using platform::UserDefaults;
+using Platform::Console;
+using Platform::UserDefaults;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/MetadataEditorModel.h"
 #include "app/metadata/PendingMetadataStore.h"
 #include "app/presets/PresetStore.h"
@@ -22,9 +23,9 @@ using namespace Ondrilet;
 using ConversionEngine::DeinterlacingMethod;
 using ConversionEngine::DeinterlacingSettings;
 using ConversionEngine::InterlacingHandlingMode;
-using platform::Console;
-using platform::UserDefaults;
-using testsupport::Fixtures;
+using Platform::Console;
+using Platform::UserDefaults;
+using TestSupport::Fixtures;
 
 namespace {
 
@@ -227,7 +228,7 @@ private slots:
         QCOMPARE(m.showOverwriteWarning(), false);
         QVERIFY(runEnds("✅ 1 files converted successfully."));
         const QString output = m_outputs + "/Audio/wav/a (PCM_48kHz_24bit).wav";
-        const testsupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
         QVERIFY2(probe.found, qPrintable(Fixtures::lastError()));
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/AssetState.h"
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 void AssetState::probe()
 {
@@ -31,4 +32,4 @@ std::optional<MediaError> AssetState::error()
     return m_error;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shared state behind an Asset and its tracks: the path and, once probed, what the probe
 // found or the error it met. The probe runs at most once; any thread may ask.
 #pragma once
@@ -11,7 +12,7 @@
 #include <mutex>
 #include <optional>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class AssetState
 {
@@ -38,4 +39,4 @@ private:
     std::optional<MediaError> m_error;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

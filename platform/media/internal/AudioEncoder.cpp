@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/AudioEncoder.h"
 
 #include "platform/media/MediaError.h"
@@ -10,7 +11,7 @@ extern "C" {
 
 #include <algorithm>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -347,4 +348,4 @@ void AudioEncoder::receivePackets(PacketWriter& writer)
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Encodes sample buffers for one audio writer input: converts each buffer once, straight into
 // the encoder's frame (rate changes through the soxr resampler), and hands every packet to the
 // muxer at once. Frames are reused. Called under the writer's lock.
@@ -13,7 +14,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class AudioEncoder : public InputEncoder
 {
@@ -70,4 +71,4 @@ private:
     std::int64_t m_nextPts = 0;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

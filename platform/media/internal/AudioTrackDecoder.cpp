@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/AudioTrackDecoder.h"
 
 #include "platform/media/MediaError.h"
@@ -12,7 +13,7 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -250,4 +251,4 @@ std::shared_ptr<SampleBuffer> AudioTrackDecoder::next()
     return finish(std::move(buffer), filled);
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

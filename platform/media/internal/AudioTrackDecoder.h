@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes one audio stream of a reader into sample buffers: interleaved, in one contiguous
 // block, converted once from the decoder's own layout (and rate or channel count where the
 // output asked for others). Buffers come from a pool. Called under the reader's lock.
@@ -10,7 +11,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class ReaderSource;
 
@@ -69,4 +70,4 @@ private:
     SampleBufferPool m_pool;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

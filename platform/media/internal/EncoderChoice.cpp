@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/EncoderChoice.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -151,4 +152,4 @@ bool containerIsBigEndian(FileType type)
     return type == FileType::aiff || type == FileType::quickTimeMovie;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

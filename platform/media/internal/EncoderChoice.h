@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads a writer input's settings dictionary: which codec it asks for and, for audio, the
 // encoder's rate, channels, bit rate, depth and byte order; and which codecs each container
 // may carry. Pure; any thread.
@@ -9,7 +10,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 enum class EncodedCodec
 {
@@ -70,4 +71,4 @@ bool containerCarries(FileType type, EncodedCodec codec);
 // Big-endian for AIFF and QuickTime, little-endian elsewhere.
 bool containerIsBigEndian(FileType type);
 
-} // namespace platform::internal
+} // namespace Platform::Internal

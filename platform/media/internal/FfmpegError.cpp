@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/FfmpegError.h"
 
 extern "C" {
@@ -7,7 +8,7 @@ extern "C" {
 #include <cerrno>
 #include <cstring>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -55,4 +56,4 @@ MediaError mediaErrorFromErrno(int errnoValue, const QString& what, const QStrin
                                  QString::fromLocal8Bit(std::strerror(errnoValue)));
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns FFmpeg and system error numbers into the media layer's errors, keeping FFmpeg's own
 // text where no code of ours fits. Media layer internals only; any thread.
 #pragma once
@@ -6,7 +7,7 @@
 
 #include <QString>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 // FFmpeg's text for an error number ("Invalid data found when processing input", …).
 QString ffmpegErrorText(int errorNumber);
@@ -18,4 +19,4 @@ MediaError mediaErrorFromFfmpeg(int errorNumber, const QString& what);
 // The error for a failed system call with `errnoValue` on `path`.
 MediaError mediaErrorFromErrno(int errnoValue, const QString& what, const QString& path);
 
-} // namespace platform::internal
+} // namespace Platform::Internal

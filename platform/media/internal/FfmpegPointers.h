@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Owning pointers for the FFmpeg objects the media layer keeps, so every exit path frees them.
 // Media layer internals only; any thread that owns the object.
 #pragma once
@@ -12,7 +13,7 @@ extern "C" {
 
 #include <memory>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 struct CodecContextDeleter
 {
@@ -42,4 +43,4 @@ using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using ResamplerPtr = std::unique_ptr<SwrContext, ResamplerDeleter>;
 using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
 
-} // namespace platform::internal
+} // namespace Platform::Internal

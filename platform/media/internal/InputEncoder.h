@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The encoder behind one writer input, as the writer sees it: it adds its stream to the muxer
 // when writing starts and drains itself at the end. Audio and video encoders derive from it.
 // Media layer internals only; called under the writer's lock.
@@ -8,7 +9,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 // Where encoded packets go: the writer's muxer.
 class PacketWriter
@@ -30,4 +31,4 @@ public:
     virtual void finish(PacketWriter& writer) = 0;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/InputFile.h"
 
 #include "platform/media/MediaError.h"
@@ -18,7 +19,7 @@ extern "C" {
 #include <unistd.h>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -187,4 +188,4 @@ void InputFile::close()
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

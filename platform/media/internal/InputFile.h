@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An opened media file for reading: a regular file only (a FIFO, device or directory never
 // reaches FFmpeg), read through our own descriptor, its container probed by content and its
 // stream headers read. Media layer internals only; one thread at a time.
@@ -8,7 +9,7 @@
 struct AVFormatContext;
 struct AVIOContext;
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class InputFile
 {
@@ -42,4 +43,4 @@ private:
 // Keeps FFmpeg's own console output to errors only; called before any FFmpeg use.
 void quietFfmpegLogging();
 
-} // namespace platform::internal
+} // namespace Platform::Internal

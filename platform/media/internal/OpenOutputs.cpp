@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/OpenOutputs.h"
 
 #include <QFile>
@@ -5,7 +6,7 @@
 #include <mutex>
 #include <unistd.h>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -68,4 +69,4 @@ QStringList OpenOutputs::discardAll()
     return discarded;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

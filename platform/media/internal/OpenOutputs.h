@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output files that writers have open right now, by path, so that a program that ends in
 // the middle of a conversion can remove what it will never finish. Any thread.
 #pragma once
@@ -5,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class OpenOutputs
 {
@@ -22,4 +23,4 @@ public:
     static QStringList discardAll();
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/OutputFile.h"
 
 #include "platform/media/MediaError.h"
@@ -15,7 +16,7 @@ extern "C" {
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -128,4 +129,4 @@ void OutputFile::release()
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

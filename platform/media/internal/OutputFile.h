@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A new output file written through our own descriptor: created exclusively, never
 // world-writable, and complete only when every byte is flushed and the descriptor closed
 // without error. While open it is listed in OpenOutputs. Media layer internals only; one thread
@@ -10,7 +11,7 @@
 
 struct AVIOContext;
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class OutputFile
 {
@@ -46,4 +47,4 @@ private:
     AVIOContext* m_io = nullptr;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/PixelBufferState.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
 }
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 PixelBufferState::PixelBufferState(const AVFrame& frame)
     : m_frame(av_frame_alloc())
@@ -86,4 +87,4 @@ int PixelBufferState::bgraLinesize() const
     return m_locked ? m_frame->linesize[0] : 0;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

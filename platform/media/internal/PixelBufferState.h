@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The picture behind a PixelBuffer: a frame in whatever form it was made (a decoder's own, or
 // BGRA), and the BGRA copy made when code asks for pixels. Media layer internals only; one
 // thread at a time.
@@ -7,7 +8,7 @@
 
 #include <cstdint>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class PixelBufferState
 {
@@ -34,4 +35,4 @@ private:
     bool m_locked = false;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/ProbeInfo.h"
 
 #include "platform/media/SettingsDictionary.h"
@@ -12,7 +13,7 @@ extern "C" {
 
 #include <algorithm>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -377,4 +378,4 @@ ProbeInfo probeFile(const QString& path)
     return info;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

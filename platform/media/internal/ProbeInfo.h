@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one look at a media file found: its duration and its tracks, in plain values. The probe
 // runs once per asset, on whatever thread first needs it. Media layer internals only.
 #pragma once
@@ -13,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 struct TrackInfo
 {
@@ -44,4 +45,4 @@ struct ProbeInfo
 // Opens `path`, reads its headers and describes it. Throws MediaError as InputFile does.
 ProbeInfo probeFile(const QString& path);
 
-} // namespace platform::internal
+} // namespace Platform::Internal

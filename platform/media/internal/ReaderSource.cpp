@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/ReaderSource.h"
 
 #include "platform/media/MediaError.h"
@@ -8,7 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 ReaderSource::ReaderSource(const QString& path, const std::set<int>& streams)
     : m_file(path)
@@ -119,4 +120,4 @@ AVPacket* ReaderSource::nextPacket(int streamIndex)
     return nullptr;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

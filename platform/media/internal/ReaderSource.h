@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The demuxer behind one reader: reads packets of the streams its outputs asked for and keeps
 // those of one stream while another output is being served, so outputs of one reader can be
 // pulled in any order. Media layer internals only; called under the reader's lock.
@@ -11,7 +12,7 @@
 #include <set>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class ReaderSource
 {
@@ -43,4 +44,4 @@ private:
     bool m_endOfFile = false;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/ReaderState.h"
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 std::optional<MediaError> ReaderState::error() const
 {
@@ -42,4 +43,4 @@ void ReaderState::outputEnded()
     m_status.compare_exchange_strong(expected, completed, std::memory_order_acq_rel);
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

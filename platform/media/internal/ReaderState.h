@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shared state of one reader and its outputs: status, first error, and the demuxer. The
 // outputs' copyNextSampleBuffer and the reader's calls all take `mutex`; status and error can
 // be read from any thread without waiting for a decode.
@@ -11,7 +12,7 @@
 #include <mutex>
 #include <optional>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class ReaderState
 {
@@ -51,4 +52,4 @@ private:
     int m_openOutputs = 0;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/SampleBufferPool.h"
 
 #include <atomic>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -39,4 +40,4 @@ std::shared_ptr<SampleBuffer> SampleBufferPool::acquire(SampleBuffer::SampleForm
     return buffer;
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

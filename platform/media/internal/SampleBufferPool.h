@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reuses sample buffers once their users have let go of them, so that a reader hands out
 // buffers without allocating for each one. The pool keeps a few buffers; when all are in use
 // it makes a fresh one outside the pool. One thread at a time (the reader's lock).
@@ -8,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class SampleBufferPool
 {
@@ -24,4 +25,4 @@ private:
     std::vector<std::shared_ptr<SampleBuffer>> m_buffers;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

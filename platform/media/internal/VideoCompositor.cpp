@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/VideoCompositor.h"
 
 #include "platform/media/MediaError.h"
@@ -15,7 +16,7 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -312,4 +313,4 @@ std::shared_ptr<PixelBuffer> VideoCompositor::drawMapped(const AVFrame& frame)
     return wrap(std::move(canvas));
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the pictures of a composition output: decodes the drawn track, and for each time on
 // the frameDuration grid takes the latest source frame at or before it, drawn into the render
 // area with the layer's transform. A repeated source frame is drawn once. Called under the
@@ -13,7 +14,7 @@
 #include <memory>
 #include <vector>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class ReaderSource;
 
@@ -57,4 +58,4 @@ private:
     SwsContext* m_scaler = nullptr;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

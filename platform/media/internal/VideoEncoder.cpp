@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/VideoEncoder.h"
 
 #include "platform/media/FormatDescription.h"
@@ -17,7 +18,7 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -328,4 +329,4 @@ void VideoEncoder::receivePackets(PacketWriter& writer)
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

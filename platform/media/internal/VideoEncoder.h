@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Encodes pictures for one video writer input: converts each picture once, straight from its
 // own form and size to the encoder's, and hands every packet to the muxer at once. The source's
 // colour tags, given as a hint or found on the first picture, go into the stream. Called under
@@ -15,7 +16,7 @@
 #include <cstdint>
 #include <map>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class VideoEncoder : public InputEncoder
 {
@@ -67,4 +68,4 @@ private:
     std::map<std::int64_t, std::int64_t> m_durations;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/VideoTrackDecoder.h"
 
 #include "platform/media/MediaError.h"
@@ -11,7 +12,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -109,4 +110,4 @@ std::shared_ptr<SampleBuffer> VideoTrackDecoder::next()
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

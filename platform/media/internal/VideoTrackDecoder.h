@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes one video stream of a reader into sample buffers whose image buffers keep the
 // decoder's own frames (no conversion here), with the stream's own presentation times. Uses
 // the decoder's threads. Called under the reader's lock.
@@ -8,7 +9,7 @@
 
 #include <memory>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class ReaderSource;
 
@@ -43,4 +44,4 @@ private:
     int m_refusals = 0;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/media/internal/WriterState.h"
 
 #include "platform/foundation/SerialQueue.h"
@@ -12,7 +13,7 @@ extern "C" {
 
 #include <limits>
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 namespace {
 
@@ -129,7 +130,7 @@ void WriterState::writePacket(AVPacket* packet, AVStream* stream, AVRational tim
 
 void WriterState::start()
 {
-    const char* muxerName = platform::muxerName(fileType);
+    const char* muxerName = Platform::muxerName(fileType);
     int result = avformat_alloc_output_context2(&m_muxer, nullptr, muxerName, nullptr);
     if (result < 0 || !m_muxer)
         throw mediaErrorFromFfmpeg(
@@ -235,4 +236,4 @@ void WriterState::releaseMuxer()
     }
 }
 
-} // namespace platform::internal
+} // namespace Platform::Internal

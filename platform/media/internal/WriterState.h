@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shared state of one writer and its inputs: status, first error, the muxer and output
 // file, and each input's encoder, progress and pending data request. One lock guards it all;
 // status can be read without it. Media layer internals only; any thread.
@@ -20,11 +21,11 @@
 #include <optional>
 #include <vector>
 
-namespace platform {
+namespace Platform {
 class SerialQueue;
 }
 
-namespace platform::internal {
+namespace Platform::Internal {
 
 class WriterState;
 
@@ -132,4 +133,4 @@ private:
     std::unique_ptr<OutputFile> m_file;
 };
 
-} // namespace platform::internal
+} // namespace Platform::Internal

@@ -1,2 +1,3 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <QWidget>
 #include "app/window/ContentViewModel.h"

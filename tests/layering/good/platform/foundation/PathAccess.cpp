@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <linux/magic.h>

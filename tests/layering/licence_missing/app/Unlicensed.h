@@ -1,0 +1,2 @@
+// Has no licence line, so the check must fail on this tree.
+int answer();
