@@ -169,12 +169,18 @@ QCoro::Task<> MediaConverter::convertFiles(QStringList files, ConversionSettings
             endRun();
             co_return;
         }
+        // A run killed between the two moves of a swap left the source under its backup's name
+        // only; it goes back before anything looks for the source.
+        recoverStrayBackup(file);
         const ProgressSubject subject = subscribeToFileProgress(index, count, file);
         const std::optional<DeinterlacingSettings> deinterlacing =
             deinterlacingFor(deinterlacingSettings, file);
         const QString baseDirectory = useSourceDirectory ? QFileInfo(file).path() : outputDirectory;
         const QString output =
             outputURL(file, settings, fileOptions, baseDirectory, deinterlacing, levelProcessing);
+
+        // A killed run's temporary output of this same output is of no use to anyone.
+        removeStaleTemporaries(output, fileExtension(settings.outputFormat));
 
         // The engine must never write over the file it reads, whichever name reaches it.
         std::optional<QString> temporary;

@@ -8,6 +8,8 @@
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileSystemError.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QUuid>
 
@@ -55,6 +57,46 @@ QString helperURL(const QString& original, const QString& marker, const QString&
     if (!extension.isEmpty())
         name += u'.' + extension;
     return QFileInfo(original).path() + u'/' + name;
+}
+
+constexpr qsizetype uuidPrefixLength = 8;
+
+bool isUuidPrefix(QStringView text)
+{
+    if (text.size() != uuidPrefixLength)
+        return false;
+    for (const QChar character : text) {
+        if (!((character >= u'0' && character <= u'9') || (character >= u'A' && character <= u'F')))
+            return false;
+    }
+    return true;
+}
+
+// Whether `name` is one that helperURL(original, marker, extension) can make, whatever its UUID.
+bool isHelperName(const QString& name, const QString& original, const QString& marker,
+                  const QString& extension)
+{
+    const QString head = u'.' + OutputNaming::stem(original) + marker;
+    const QString tail = extension.isEmpty() ? QString() : u'.' + extension;
+    if (name.size() != head.size() + uuidPrefixLength + tail.size() || !name.startsWith(head) ||
+        !name.endsWith(tail))
+        return false;
+    return isUuidPrefix(QStringView(name).mid(head.size(), uuidPrefixLength));
+}
+
+// The files (and links) beside `original` whose names helperURL could have made for it.
+QList<QFileInfo> helpersBeside(const QString& original, const QString& marker,
+                               const QString& extension)
+{
+    QList<QFileInfo> helpers;
+    const QDir directory(QFileInfo(original).path());
+    const QFileInfoList entries =
+        directory.entryInfoList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+    for (const QFileInfo& entry : entries) {
+        if (isHelperName(entry.fileName(), original, marker, extension))
+            helpers.append(entry);
+    }
+    return helpers;
 }
 
 // The permission bits of the original, if they can be read; nothing else is carried over.
@@ -148,6 +190,45 @@ void replaceOriginal(const QString& original, const QString& temp)
         restore(original, temp, backup, std::current_exception());
     }
     announce(ReplacementStep::finished);
+}
+
+std::optional<QString> recoverStrayBackup(const QString& original)
+{
+    if (FileAttributes::fileExists(original))
+        return std::nullopt;
+    const QList<QFileInfo> backups =
+        helpersBeside(original, QStringLiteral("_backup_"), ownExtension(original));
+    if (backups.isEmpty())
+        return std::nullopt;
+    // Moving a file aside changes its status time, so the latest change is the latest swap.
+    const QFileInfo* latest = &backups.first();
+    for (const QFileInfo& backup : backups) {
+        if (backup.metadataChangeTime() > latest->metadataChangeTime())
+            latest = &backup;
+    }
+    const QString backup = latest->filePath();
+    try {
+        FileAttributes::moveItem(backup, original);
+    } catch (const Platform::FileSystemError&) {
+        return std::nullopt;
+    }
+    Console::print(QStringLiteral("♻️ Restored original from backup: ") + latest->fileName());
+    return backup;
+}
+
+QStringList removeStaleTemporaries(const QString& output, const QString& extension)
+{
+    QStringList removed;
+    for (const QFileInfo& stale : helpersBeside(output, QStringLiteral("_converting_"), extension)) {
+        try {
+            FileAttributes::removeItem(stale.filePath());
+        } catch (const Platform::FileSystemError&) {
+            continue;
+        }
+        Console::print(QStringLiteral("🗑️ Removed stale temporary file: ") + stale.fileName());
+        removed.append(stale.filePath());
+    }
+    return removed;
 }
 
 void setReplacementStepObserver(ReplacementStepObserver observer)

@@ -5,8 +5,10 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace Ondrilet {
 
@@ -39,6 +41,18 @@ QString backupURL(const QString& original);
 // is still possible); a failure to move the original aside, or to sync the converted file before
 // that, is thrown as the file-system error it is, with nothing touched.
 void replaceOriginal(const QString& original, const QString& temp);
+
+// Before a file is converted: when nothing stands under `original`'s name but a hidden backup of
+// it does (a swap stopped between moving the original aside and moving the new file in), moves
+// that backup back under the name; of several, the one moved aside last. Never replaces a file,
+// and a failed move is ignored (the conversion then reports the input as missing). Returns the
+// path of the backup that was moved back.
+std::optional<QString> recoverStrayBackup(const QString& original);
+
+// Removes the hidden temporary outputs of `output` that interrupted runs left behind: the names
+// temporaryURL(output, extension) makes, and no other. Failures are ignored. Returns the paths
+// removed.
+QStringList removeStaleTemporaries(const QString& output, const QString& extension);
 
 // Installs a function that hears of every step of every later swap just before the step runs;
 // an exception it throws counts as that step's failure. Lets tests stop or fail a swap at a

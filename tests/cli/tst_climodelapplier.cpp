@@ -44,6 +44,10 @@ private slots:
         Platform::UserDefaults::setStandardFilePath(m_directory.filePath(QStringLiteral("prefs")));
     }
 
+    // The preferences are written out now, while their folder exists: written at exit, after
+    // the folder has gone, they would make it again.
+    void cleanupTestCase() { Platform::UserDefaults::standard().synchronize(); }
+
     void videoSettings()
     {
         PresetStore store;

@@ -19,6 +19,7 @@
 #include <csignal>
 #include <cstring>
 #include <map>
+#include <optional>
 
 using ConversionEngine::ConversionError;
 using Ondrilet::ReplacementStep;
@@ -338,6 +339,99 @@ private slots:
         QCOMPARE(Fixtures::sha256(m_original), m_originalSum);
         QCOMPARE(Fixtures::sha256(m_temp), m_convertedSum);
         QCOMPARE(namesIn(m_dir.path()).size(), 2);
+    }
+
+    void strayBackupGoesBackWhenTheNameIsFree()
+    {
+        makePair();
+        const QString backup = Ondrilet::backupURL(m_original);
+        FileAttributes::moveItem(m_original, backup);
+        Console::Recorder recorder;
+        QVERIFY(Ondrilet::recoverStrayBackup(m_original) == backup);
+        QCOMPARE(Fixtures::sha256(m_original), m_originalSum);
+        QVERIFY(!FileAttributes::fileExists(backup));
+        QCOMPARE(recorder.lines(), QStringList{QStringLiteral("♻️ Restored original from backup: ") +
+                                               QFileInfo(backup).fileName()});
+        // With the name taken, nothing more happens.
+        QVERIFY(Ondrilet::recoverStrayBackup(m_original) == std::nullopt);
+    }
+
+    void strayBackupNeverReplacesAFile()
+    {
+        makePair();
+        const QString backup = Ondrilet::backupURL(m_original);
+        QVERIFY(QFile::copy(m_original, backup));
+        QVERIFY(QFile::remove(m_original));
+        QVERIFY(QFile::copy(m_temp, m_original));
+        Console::Recorder recorder;
+        QVERIFY(Ondrilet::recoverStrayBackup(m_original) == std::nullopt);
+        QCOMPARE(Fixtures::sha256(m_original), m_convertedSum);
+        QCOMPARE(Fixtures::sha256(backup), m_originalSum);
+        QVERIFY(recorder.lines().isEmpty());
+    }
+
+    // The latest swap moved the latest content aside; an older backup stays where it is.
+    void latestOfSeveralBackupsGoesBack()
+    {
+        makePair();
+        const QString older = Ondrilet::backupURL(m_original);
+        QVERIFY(QFile::copy(m_temp, older));
+        const QString newer = Ondrilet::backupURL(m_original);
+        FileAttributes::moveItem(m_original, newer);
+        // File times advance in ticks: change the newer one's status until its time is later.
+        while (QFileInfo(newer).metadataChangeTime() <= QFileInfo(older).metadataChangeTime())
+            FileAttributes::setPermissions(newer, FileAttributes::permissions(newer));
+        QVERIFY(Ondrilet::recoverStrayBackup(m_original) == newer);
+        QCOMPARE(Fixtures::sha256(m_original), m_originalSum);
+        QCOMPARE(Fixtures::sha256(older), m_convertedSum);
+    }
+
+    void namesThatOnlyLookLikeBackupsStay()
+    {
+        makePair();
+        const QString directory = m_dir.path() + u'/';
+        const QStringList lookalikes{
+            QStringLiteral(".take_backup_1234ABCD.mp3"),  QStringLiteral(".take_backup_1234abcd.wav"),
+            QStringLiteral(".take_backup_1234ABC.wav"),   QStringLiteral(".tak_backup_1234ABCD.wav"),
+            QStringLiteral(".take_backup_1234ABCDE.wav"), QStringLiteral("take_backup_1234ABCD.wav"),
+            QStringLiteral(".take_converting_1234ABCD.wav"),
+        };
+        for (const QString& name : lookalikes)
+            QVERIFY(QFile::copy(m_original, directory + name));
+        QVERIFY(QFile::remove(m_original));
+        QVERIFY(Ondrilet::recoverStrayBackup(m_original) == std::nullopt);
+        QVERIFY(!FileAttributes::fileExists(m_original));
+        for (const QString& name : lookalikes)
+            QVERIFY2(FileAttributes::fileExists(directory + name), qPrintable(name));
+    }
+
+    void staleTemporariesOfThisOutputAreRemoved()
+    {
+        makePair();
+        const QString directory = m_dir.path() + u'/';
+        const QString otherStale = Ondrilet::temporaryURL(m_original, QStringLiteral("wav"));
+        QVERIFY(QFile::copy(m_temp, otherStale));
+        const QStringList kept{
+            QStringLiteral(".take_converting_1234ABCD.m4a"),
+            QStringLiteral(".take_converting_1234abcd.wav"),
+            QStringLiteral(".other_converting_1234ABCD.wav"),
+            QStringLiteral(".take_backup_1234ABCD.wav"),
+            QStringLiteral("take_converting_1234ABCD.wav"),
+        };
+        for (const QString& name : kept)
+            QVERIFY(QFile::copy(m_temp, directory + name));
+        Console::Recorder recorder;
+        QStringList removed = Ondrilet::removeStaleTemporaries(m_original, QStringLiteral("wav"));
+        removed.sort();
+        QStringList expected{m_temp, otherStale};
+        expected.sort();
+        QCOMPARE(removed, expected);
+        QCOMPARE(recorder.lines().size(), 2);
+        QVERIFY(recorder.lines().first().startsWith(
+            QStringLiteral("🗑️ Removed stale temporary file: .take_converting_")));
+        QCOMPARE(Fixtures::sha256(m_original), m_originalSum);
+        for (const QString& name : kept)
+            QVERIFY2(FileAttributes::fileExists(directory + name), qPrintable(name));
     }
 
     void killAtEveryStepKeepsACompleteCopy_data()

@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/reliability/CliHarness.h"
 
+#include "tests/support/Fixtures.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QProcessEnvironment>
 
+#include <cmath>
+
 namespace Reliability {
+
+using TestSupport::Fixtures;
 
 CliHarness::CliHarness(const QString& root)
     : m_home(root + QStringLiteral("/home"))
@@ -29,7 +37,8 @@ QList<OutputKind> CliHarness::audioKinds()
                           extension,
                           std::move(sourceCodec),
                           QStringLiteral("Audio/") + extension,
-                          false};
+                          false,
+                          QString::fromLatin1(codec == QByteArrayView("pcm") ? "pcm_" : codec)};
     };
     // CAF is left out: an audio conversion to it ends the process by design.
     return {
@@ -38,6 +47,84 @@ QList<OutputKind> CliHarness::audioKinds()
         kind("m4a-aac", "m4a", "aac", {QStringLiteral("-c:a"), QStringLiteral("aac")}),
         kind("m4a-alac", "m4a", "alac", {QStringLiteral("-c:a"), QStringLiteral("alac")}),
     };
+}
+
+QList<OutputKind> CliHarness::videoKinds()
+{
+    const auto kind = [](const char* format, const char* subfolder) {
+        const QString extension = QString::fromLatin1(format);
+        return OutputKind{extension + QStringLiteral("-h264"),
+                          {QStringLiteral("--format"), extension, QStringLiteral("--video-codec"),
+                           QStringLiteral("h264")},
+                          extension,
+                          {},
+                          QString::fromLatin1(subfolder),
+                          true,
+                          QStringLiteral("h264")};
+    };
+    return {kind("mp4", "Video/MP4"), kind("mov", "Video/MOV")};
+}
+
+double CliHarness::sourceSeconds(const OutputKind& kind)
+{
+    return kind.video ? 1.0 : 2.0;
+}
+
+int CliHarness::midStreamWrites(const OutputKind& kind)
+{
+    // A clip of one second goes out in a few large writes, a tone in many small ones.
+    return kind.video ? 1 : 20;
+}
+
+QString CliHarness::sourceFor(const QString& fixtures, const OutputKind& kind)
+{
+    const QString name = QStringLiteral("source-") + kind.name + u'.' + kind.extension;
+    const QString path = fixtures + u'/' + name;
+    if (QFileInfo::exists(path))
+        return path;
+    const QString made =
+        kind.video ? Fixtures::makeVideo(fixtures, name, sourceSeconds(kind), true)
+                   : Fixtures::makeTone(fixtures, name, sourceSeconds(kind), 44100, 2,
+                                        kind.sourceCodec);
+    if (made.isEmpty())
+        qFatal("%s", qPrintable(Fixtures::lastError()));
+    return made;
+}
+
+bool CliHarness::isCompleteOutput(const QString& path, const OutputKind& kind)
+{
+    const QJsonObject json = Fixtures::probe(path);
+    const QString type = kind.video ? QStringLiteral("video") : QStringLiteral("audio");
+    for (const QJsonValue& value : json.value(QStringLiteral("streams")).toArray()) {
+        const QJsonObject stream = value.toObject();
+        if (stream.value(QStringLiteral("codec_type")).toString() != type)
+            continue;
+        if (!stream.value(QStringLiteral("codec_name")).toString().startsWith(kind.codecPrefix))
+            return false;
+        const double seconds = json.value(QStringLiteral("format"))
+                                   .toObject()
+                                   .value(QStringLiteral("duration"))
+                                   .toString()
+                                   .toDouble();
+        return std::abs(seconds - sourceSeconds(kind)) < 0.1 &&
+               QFileInfo(path).suffix() == kind.extension;
+    }
+    return false;
+}
+
+Fault CliHarness::faultAt(const FilePoint& point, Destination destination,
+                          const QString& output) const
+{
+    const bool inPlace = destination == Destination::inPlace;
+    Fault fault;
+    fault.call = point.call;
+    fault.after = point.after;
+    fault.times = point.times;
+    fault.hold = point.hold;
+    fault.folder = inPlace ? m_work : QFileInfo(output).path();
+    if (point.onOutput)
+        fault.match = inPlace ? QStringLiteral("_converting_") : QFileInfo(output).fileName();
+    return fault;
 }
 
 QString CliHarness::destinationName(Destination destination)
@@ -172,6 +259,21 @@ bool CliHarness::waitForFile(QProcess& process, const QString& path, int timeout
         process.waitForFinished(20);
     }
     return true;
+}
+
+bool CliHarness::waitForOutput(QProcess& process, const QByteArray& text,
+                               int timeoutMilliseconds, QByteArray* seen)
+{
+    QElapsedTimer timer;
+    timer.start();
+    for (;;) {
+        *seen += process.readAllStandardOutput();
+        if (seen->contains(text))
+            return true;
+        if (process.state() == QProcess::NotRunning || timer.elapsed() > timeoutMilliseconds)
+            return false;
+        process.waitForReadyRead(20);
+    }
 }
 
 QStringList CliHarness::hiddenHelpers(const QString& directory)

@@ -2,7 +2,8 @@
 // Runs ondrilet-cli as a child process for the reliability tests: each run has its own home, a
 // time limit after which the child is killed and the run counts as hung, and optionally a file
 // call that the fault library makes fail or stop at. The output kinds and destinations are rows,
-// so that a new kind of output is one more entry. Test threads only.
+// so that a new kind of output is one more entry; the sources they convert and the test of a
+// whole output are shared by every matrix. Test threads only.
 #pragma once
 
 #include <QList>
@@ -45,6 +46,20 @@ struct OutputKind
     QStringList sourceCodec;
     QString subfolder; // below a destination with subfolders, e.g. "Audio/wav"
     bool video = false;
+    QString codecPrefix; // how ffprobe names the output's codec (audio, or the picture's)
+};
+
+// A file call to stop at or fail, as the matrices name it. `onOutput`: only calls on the file
+// being written count (the output itself, or the hidden temporary file of an in-place run).
+struct FilePoint
+{
+    const char* name;
+    QString call;
+    bool onOutput = false;
+    int after = 0;
+    int times = 0;
+    QString hold;
+    bool inPlaceOnly = false; // the call happens on the in-place road only
 };
 
 enum class Destination
@@ -65,7 +80,25 @@ public:
     QString out() const { return m_out; }
 
     static QList<OutputKind> audioKinds();
+    // MP4 and MOV, both H.264 with AAC sound.
+    static QList<OutputKind> videoKinds();
     static QString destinationName(Destination destination);
+
+    // The source every matrix converts for `kind`, made in `fixtures` on first use: a 2 s stereo
+    // tone in the kind's own container, or a 1 s 320×240 clip with sound.
+    static QString sourceFor(const QString& fixtures, const OutputKind& kind);
+    static double sourceSeconds(const OutputKind& kind);
+
+    // A count of writes to the output after which writing is well under way but not over.
+    static int midStreamWrites(const OutputKind& kind);
+
+    // Whether `path` is a whole conversion of sourceFor(kind): the kind's codec, the source's
+    // length.
+    static bool isCompleteOutput(const QString& path, const OutputKind& kind);
+
+    // `point` as the fault library's settings for a run of `kind` to `destination` that writes
+    // `output`: calls on the output's folder (the work folder when in place) count.
+    Fault faultAt(const FilePoint& point, Destination destination, const QString& output) const;
 
     // The options that send `kind` to `destination`, followed by `files`.
     QStringList arguments(const OutputKind& kind, Destination destination,
@@ -83,12 +116,18 @@ public:
     // As run(), as the unprivileged user "nobody" through `setpriv`.
     CliOutcome runAs(const QString& setpriv, const QStringList& arguments) const;
 
-    // Starts the program in work/ with `fault`; `mark` is created when a held call is reached.
+    // Starts the program in work/ with `fault`; `mark` is created when a call is first failed or
+    // held.
     void start(QProcess& process, const QStringList& arguments, const Fault& fault,
                const QString& mark = {}) const;
 
     // Waits until `path` exists or the child ends; false when it never appeared in time.
     static bool waitForFile(QProcess& process, const QString& path, int timeoutMilliseconds);
+
+    // Reads standard output into `seen` until it holds `text` or the child ends; false when the
+    // text never came in time.
+    static bool waitForOutput(QProcess& process, const QByteArray& text, int timeoutMilliseconds,
+                              QByteArray* seen);
 
     // The hidden helper files (temporary outputs, backups) below `directory`.
     static QStringList hiddenHelpers(const QString& directory);
@@ -107,3 +146,4 @@ private:
 
 Q_DECLARE_METATYPE(Reliability::OutputKind)
 Q_DECLARE_METATYPE(Reliability::Destination)
+Q_DECLARE_METATYPE(Reliability::FilePoint)

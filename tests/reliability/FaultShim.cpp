@@ -11,6 +11,7 @@
 //   ONDRILET_FAULT_TIMES   how many calls fail; 0 or unset: all later ones
 //   ONDRILET_FAULT_HOLD    before | after: instead, call N+1 stops the calling thread for good,
 //                          before or after doing its work, once ONDRILET_FAULT_MARK is created
+//   ONDRILET_FAULT_MARK    optional: a file created at the first failed or held call
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -152,15 +153,23 @@ bool concerns(const std::string& path)
     return path.find(c.match, slash == std::string::npos ? 0 : slash) != std::string::npos;
 }
 
+// Creates the mark file, if one is asked for, with the system call itself so that the library
+// does not count its own call.
+void leaveMark()
+{
+    static std::atomic<bool> left{false};
+    const Config& c = config();
+    if (c.mark.empty() || left.exchange(true))
+        return;
+    const int fd = static_cast<int>(
+        syscall(SYS_openat, AT_FDCWD, c.mark.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    if (fd >= 0)
+        syscall(SYS_close, fd);
+}
+
 void holdForever()
 {
-    const Config& c = config();
-    if (!c.mark.empty()) {
-        const int fd = static_cast<int>(
-            syscall(SYS_openat, AT_FDCWD, c.mark.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-        if (fd >= 0)
-            syscall(SYS_close, fd);
-    }
+    leaveMark();
     for (;;)
         pause();
 }
@@ -201,6 +210,7 @@ Result run(Verdict verdict, Result failed, Work work)
 {
     switch (verdict) {
     case Verdict::fail:
+        leaveMark();
         errno = config().error;
         return failed;
     case Verdict::holdBefore:

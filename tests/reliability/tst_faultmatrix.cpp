@@ -28,32 +28,28 @@ enum class Leftover
     backupOnly,      // nothing under the source's name, the source in the backup
 };
 
-// Which step fails, and what the run must then say and leave.
-struct Step
+// Which call fails; "mid-stream" counts as CliHarness::midStreamWrites says.
+const QList<FilePoint>& steps()
 {
-    const char* name;
-    QString call;
-    QString match; // "output" stands for the output's own file name
-    int after = 0;
-    int times = 0;
-    bool inPlaceOnly = false;
-};
-
-const QList<Step>& steps()
-{
-    static const QList<Step> list{
-        {"create output", QStringLiteral("openat"), QStringLiteral("output"), 0, 0, false},
-        {"first write", QStringLiteral("write"), QStringLiteral("output"), 0, 0, false},
-        {"write mid-stream", QStringLiteral("write"), QStringLiteral("output"), 20, 0, false},
-        {"sync output", QStringLiteral("fsync"), QString(), 0, 0, true},
-        {"move original aside", QStringLiteral("rename"), QString(), 0, 0, true},
-        {"move new file in", QStringLiteral("rename"), QString(), 1, 0, true},
-        {"move new file in, once", QStringLiteral("rename"), QString(), 1, 1, true},
-        {"set permissions", QStringLiteral("chmod"), QString(), 0, 0, true},
-        {"sync folder", QStringLiteral("fsync"), QString(), 1, 0, true},
-        {"remove backup", QStringLiteral("unlink"), QString(), 0, 0, true},
+    const QString none;
+    static const QList<FilePoint> list{
+        {"create output", QStringLiteral("openat"), true, 0, 0, none, false},
+        {"first write", QStringLiteral("write"), true, 0, 0, none, false},
+        {"write mid-stream", QStringLiteral("write"), true, 20, 0, none, false},
+        {"sync output", QStringLiteral("fsync"), false, 0, 0, none, true},
+        {"move original aside", QStringLiteral("rename"), false, 0, 0, none, true},
+        {"move new file in", QStringLiteral("rename"), false, 1, 0, none, true},
+        {"move new file in, once", QStringLiteral("rename"), false, 1, 1, none, true},
+        {"set permissions", QStringLiteral("chmod"), false, 0, 0, none, true},
+        {"sync folder", QStringLiteral("fsync"), false, 1, 0, none, true},
+        {"remove backup", QStringLiteral("unlink"), false, 0, 0, none, true},
     };
     return list;
+}
+
+bool isMidStream(const FilePoint& step)
+{
+    return step.call == QStringLiteral("write") && step.after > 0;
 }
 
 QString errnoText(const QString& name)
@@ -111,7 +107,15 @@ QString blankUuids(QString text)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Step)
+// What a run must end in.
+struct Expected
+{
+    QString text; // standard error, with helper UUIDs blanked
+    Leftover leftover = Leftover::none;
+    // The settled case of a video output: the failed append leaves the conversion waiting for
+    // good, and only ending the program ends it.
+    bool pending = false;
+};
 
 class TestFaultMatrix : public QObject
 {
@@ -122,22 +126,67 @@ private:
     QString m_fixtures;
     int m_cases = 0;
 
-    QString sourceFor(const OutputKind& kind)
+    static Expected expectedFor(const OutputKind& kind, const FilePoint& step,
+                                const QString& errorName, const QString& work,
+                                const QString& source, const QString& writtenFile)
     {
-        const QString name =
-            QStringLiteral("source-") + kind.name + QLatin1Char('.') + kind.extension;
-        const QString path = m_fixtures + QLatin1Char('/') + name;
-        if (!QFileInfo::exists(path) &&
-            Fixtures::makeTone(m_fixtures, name, 2.0, 44100, 2, kind.sourceCodec).isEmpty())
-            qFatal("%s", qPrintable(Fixtures::lastError()));
-        return path;
+        const QString temp =
+            work + QStringLiteral("/.a_converting_XXXXXXXX.") + kind.extension;
+        const QString backup = work + QStringLiteral("/.a_backup_XXXXXXXX.") + kind.extension;
+        const QString& call = step.call;
+        if (call == QStringLiteral("openat"))
+            return {mediaFailure(QStringLiteral("create"), writtenFile, errorName)};
+        if (call == QStringLiteral("write")) {
+            if (kind.video && isMidStream(step))
+                return {QString(), Leftover::none, true};
+            return {mediaFailure(QStringLiteral("write"), writtenFile, errorName)};
+        }
+        if (call == QStringLiteral("fsync") && step.after == 0)
+            return {beforeSwap(kind, temp, errorName)};
+        if (call == QStringLiteral("rename") && step.after == 0)
+            return {beforeSwap(kind, source, errorName)};
+        if (call == QStringLiteral("rename")) {
+            // Restoring moves the backup back, unless that move fails as well.
+            return {duringSwap(temp, errorName),
+                    step.times == 1 ? Leftover::none : Leftover::backupOnly};
+        }
+        if (call == QStringLiteral("chmod"))
+            return {duringSwap(source, errorName), Leftover::backupAndOutput};
+        if (call == QStringLiteral("fsync"))
+            return {duringSwap(work, errorName), Leftover::backupAndOutput};
+        return {duringSwap(backup, errorName), Leftover::backupAndOutput};
     }
 
-    static bool isCompleteOutput(const QString& path, const OutputKind& kind)
+    // Holds a run at its failed append, checks that it waits, and ends it as Ctrl-C twice or
+    // SIGTERM would: the unfinished output goes with the program.
+    static void checkPendingThenQuit(const CliHarness& harness, const QStringList& arguments,
+                                     const Fault& fault, const QString& mark, QString writtenFile)
     {
-        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(path);
-        return probe.found && probe.durationSeconds > 1.9 && probe.durationSeconds < 2.1 &&
-               QFileInfo(path).suffix() == kind.extension;
+        QProcess process;
+        harness.start(process, arguments, fault, mark);
+        QVERIFY2(CliHarness::waitForFile(process, mark, 10000), "the call never failed");
+        if (writtenFile.isEmpty()) {
+            // In place: the hidden temporary file, named once it exists.
+            const QStringList helpers = CliHarness::hiddenHelpers(harness.work());
+            QCOMPARE(helpers.size(), 1);
+            QVERIFY(helpers.first().contains(QStringLiteral("_converting_")));
+            writtenFile = harness.work() + u'/' + helpers.first();
+        }
+        QByteArray out;
+        QVERIFY2(CliHarness::waitForOutput(process, "\xe2\x9d\x8c Failed to append", 10000, &out),
+                 out.constData());
+        QCOMPARE(process.state(), QProcess::Running);
+        QVERIFY(QFileInfo::exists(writtenFile));
+        process.terminate();
+        QVERIFY(process.waitForFinished(10000));
+        out += process.readAllStandardOutput();
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 143);
+        QVERIFY2(out.contains(("\xf0\x9f\x97\x91\xef\xb8\x8f Removed unfinished output: " +
+                               QFileInfo(writtenFile).fileName() + u'\n')
+                                  .toUtf8()),
+                 out.constData());
+        QVERIFY2(!QFileInfo::exists(writtenFile), qPrintable(writtenFile));
     }
 
 private slots:
@@ -154,21 +203,32 @@ private slots:
     {
         QTest::addColumn<OutputKind>("kind");
         QTest::addColumn<Destination>("destination");
-        QTest::addColumn<Step>("step");
+        QTest::addColumn<FilePoint>("step");
         QTest::addColumn<QString>("errorName");
+        QList<OutputKind> kinds;
         for (const OutputKind& kind : CliHarness::audioKinds()) {
-            if (kind.name == QStringLiteral("aiff") || kind.name == QStringLiteral("m4a-alac"))
-                continue; // the same writer paths as wav and m4a-aac
+            // aiff and m4a-alac take the same writer paths as wav and m4a-aac.
+            if (kind.name != QStringLiteral("aiff") && kind.name != QStringLiteral("m4a-alac"))
+                kinds.append(kind);
+        }
+        // One video container: MOV goes through the same writer as MP4.
+        kinds.append(CliHarness::videoKinds().first());
+        for (const OutputKind& kind : kinds) {
             for (Destination destination :
                  {Destination::folder, Destination::besideSource, Destination::inPlace})
-                for (const Step& step : steps()) {
+                for (const FilePoint& step : steps()) {
                     if (step.inPlaceOnly && destination != Destination::inPlace)
                         continue;
-                    for (const char* errorName : {"ENOSPC", "EIO", "EACCES", "EROFS"})
+                    // The errno reaches every video text through the same mapping as audio's;
+                    // two of them keep the video rows short.
+                    QStringList errorNames{QStringLiteral("ENOSPC"), QStringLiteral("EIO")};
+                    if (!kind.video)
+                        errorNames << QStringLiteral("EACCES") << QStringLiteral("EROFS");
+                    for (const QString& errorName : errorNames)
                         QTest::addRow("%s %s, %s %s", qPrintable(kind.name),
                                       qPrintable(CliHarness::destinationName(destination)),
-                                      step.name, errorName)
-                            << kind << destination << step << QString::fromLatin1(errorName);
+                                      step.name, qPrintable(errorName))
+                            << kind << destination << step << errorName;
                 }
         }
     }
@@ -177,68 +237,45 @@ private slots:
     {
         QFETCH(OutputKind, kind);
         QFETCH(Destination, destination);
-        QFETCH(Step, step);
+        QFETCH(FilePoint, step);
         QFETCH(QString, errorName);
         ++m_cases;
 
         QTemporaryDir root;
         const CliHarness harness(root.path());
         const QString source = harness.work() + QStringLiteral("/a.") + kind.extension;
-        QVERIFY(QFile::copy(sourceFor(kind), source));
+        QVERIFY(QFile::copy(CliHarness::sourceFor(m_fixtures, kind), source));
         const QByteArray original = Fixtures::sha256(source);
         const QString output = harness.outputPath(kind, destination, source);
         const bool inPlace = destination == Destination::inPlace;
+        const QStringList arguments =
+            harness.arguments(kind, destination, {QFileInfo(source).fileName()});
 
-        Fault fault;
-        fault.call = step.call;
+        if (isMidStream(step))
+            step.after = CliHarness::midStreamWrites(kind);
+        Fault fault = harness.faultAt(step, destination, output);
         fault.errorName = errorName;
-        fault.after = step.after;
-        fault.times = step.times;
-        fault.folder = inPlace ? harness.work() : QFileInfo(output).path();
-        if (step.match == QStringLiteral("output"))
-            fault.match = inPlace ? QStringLiteral("_converting_") : QFileInfo(output).fileName();
-        const CliOutcome outcome = harness.run(
-            harness.arguments(kind, destination, {QFileInfo(source).fileName()}), fault);
+        const Expected expected =
+            expectedFor(kind, step, errorName, harness.work(), source,
+                        inPlace ? harness.work() + QStringLiteral("/.a_converting_XXXXXXXX.") +
+                                      kind.extension
+                                : output);
 
-        // The paths the texts name; a helper's UUID is blanked on both sides.
-        const QString temp =
-            harness.work() + QStringLiteral("/.a_converting_XXXXXXXX.") + kind.extension;
-        const QString backup =
-            harness.work() + QStringLiteral("/.a_backup_XXXXXXXX.") + kind.extension;
-        QString expected;
-        Leftover leftover = Leftover::none;
-        const QString call = step.call;
-        const QString writtenFile = inPlace ? temp : output;
-        if (call == QStringLiteral("openat")) {
-            expected = mediaFailure(QStringLiteral("create"), writtenFile, errorName);
-        } else if (call == QStringLiteral("write")) {
-            expected = mediaFailure(QStringLiteral("write"), writtenFile, errorName);
-        } else if (call == QStringLiteral("fsync") && step.after == 0) {
-            expected = beforeSwap(kind, temp, errorName);
-        } else if (call == QStringLiteral("rename") && step.after == 0) {
-            expected = beforeSwap(kind, source, errorName);
-        } else if (call == QStringLiteral("rename")) {
-            expected = duringSwap(temp, errorName);
-            // Restoring moves the backup back, unless that move fails as well.
-            leftover = step.times == 1 ? Leftover::none : Leftover::backupOnly;
-        } else if (call == QStringLiteral("chmod")) {
-            expected = duringSwap(source, errorName);
-            leftover = Leftover::backupAndOutput;
-        } else if (call == QStringLiteral("fsync")) {
-            expected = duringSwap(harness.work(), errorName);
-            leftover = Leftover::backupAndOutput;
+        if (expected.pending) {
+            checkPendingThenQuit(harness, arguments, fault, root.filePath(QStringLiteral("failed")),
+                                 inPlace ? QString() : output);
+            if (QTest::currentTestFailed())
+                return;
         } else {
-            expected = duringSwap(backup, errorName);
-            leftover = Leftover::backupAndOutput;
+            const CliOutcome outcome = harness.run(arguments, fault);
+            QVERIFY2(outcome.finished, "the run did not end within 10 s");
+            QVERIFY(!outcome.crashed);
+            QCOMPARE(blankUuids(outcome.err), expected.text);
+            QCOMPARE(outcome.exitCode, 1);
         }
 
-        QVERIFY2(outcome.finished, "the run did not end within 10 s");
-        QVERIFY(!outcome.crashed);
-        QCOMPARE(blankUuids(outcome.err), expected);
-        QCOMPARE(outcome.exitCode, 1);
-
         const QStringList helpers = CliHarness::hiddenHelpers(harness.work());
-        switch (leftover) {
+        switch (expected.leftover) {
         case Leftover::none:
             QCOMPARE(Fixtures::sha256(source), original);
             QCOMPARE(helpers, QStringList());
@@ -249,10 +286,10 @@ private slots:
             QVERIFY(helpers.first().contains(QStringLiteral("_backup_")));
             QCOMPARE(Fixtures::sha256(harness.work() + QLatin1Char('/') + helpers.first()),
                      original);
-            if (leftover == Leftover::backupOnly)
+            if (expected.leftover == Leftover::backupOnly)
                 QVERIFY(!QFileInfo::exists(source));
             else
-                QVERIFY(isCompleteOutput(source, kind));
+                QVERIFY(CliHarness::isCompleteOutput(source, kind));
             break;
         }
         if (!inPlace) {
