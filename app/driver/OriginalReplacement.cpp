@@ -219,7 +219,8 @@ std::optional<QString> recoverStrayBackup(const QString& original)
 QStringList removeStaleTemporaries(const QString& output, const QString& extension)
 {
     QStringList removed;
-    for (const QFileInfo& stale : helpersBeside(output, QStringLiteral("_converting_"), extension)) {
+    for (const QFileInfo& stale :
+         helpersBeside(output, QStringLiteral("_converting_"), extension)) {
         try {
             FileAttributes::removeItem(stale.filePath());
         } catch (const Platform::FileSystemError&) {

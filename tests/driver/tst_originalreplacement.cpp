@@ -350,8 +350,9 @@ private slots:
         QVERIFY(Ondrilet::recoverStrayBackup(m_original) == backup);
         QCOMPARE(Fixtures::sha256(m_original), m_originalSum);
         QVERIFY(!FileAttributes::fileExists(backup));
-        QCOMPARE(recorder.lines(), QStringList{QStringLiteral("♻️ Restored original from backup: ") +
-                                               QFileInfo(backup).fileName()});
+        QCOMPARE(recorder.lines(),
+                 QStringList{QStringLiteral("♻️ Restored original from backup: ") +
+                             QFileInfo(backup).fileName()});
         // With the name taken, nothing more happens.
         QVERIFY(Ondrilet::recoverStrayBackup(m_original) == std::nullopt);
     }
@@ -391,9 +392,12 @@ private slots:
         makePair();
         const QString directory = m_dir.path() + u'/';
         const QStringList lookalikes{
-            QStringLiteral(".take_backup_1234ABCD.mp3"),  QStringLiteral(".take_backup_1234abcd.wav"),
-            QStringLiteral(".take_backup_1234ABC.wav"),   QStringLiteral(".tak_backup_1234ABCD.wav"),
-            QStringLiteral(".take_backup_1234ABCDE.wav"), QStringLiteral("take_backup_1234ABCD.wav"),
+            QStringLiteral(".take_backup_1234ABCD.mp3"),
+            QStringLiteral(".take_backup_1234abcd.wav"),
+            QStringLiteral(".take_backup_1234ABC.wav"),
+            QStringLiteral(".tak_backup_1234ABCD.wav"),
+            QStringLiteral(".take_backup_1234ABCDE.wav"),
+            QStringLiteral("take_backup_1234ABCD.wav"),
             QStringLiteral(".take_converting_1234ABCD.wav"),
         };
         for (const QString& name : lookalikes)

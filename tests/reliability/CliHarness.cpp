@@ -82,10 +82,9 @@ QString CliHarness::sourceFor(const QString& fixtures, const OutputKind& kind)
     const QString path = fixtures + u'/' + name;
     if (QFileInfo::exists(path))
         return path;
-    const QString made =
-        kind.video ? Fixtures::makeVideo(fixtures, name, sourceSeconds(kind), true)
-                   : Fixtures::makeTone(fixtures, name, sourceSeconds(kind), 44100, 2,
-                                        kind.sourceCodec);
+    const QString made = kind.video ? Fixtures::makeVideo(fixtures, name, sourceSeconds(kind), true)
+                                    : Fixtures::makeTone(fixtures, name, sourceSeconds(kind), 44100,
+                                                         2, kind.sourceCodec);
     if (made.isEmpty())
         qFatal("%s", qPrintable(Fixtures::lastError()));
     return made;
@@ -261,8 +260,8 @@ bool CliHarness::waitForFile(QProcess& process, const QString& path, int timeout
     return true;
 }
 
-bool CliHarness::waitForOutput(QProcess& process, const QByteArray& text,
-                               int timeoutMilliseconds, QByteArray* seen)
+bool CliHarness::waitForOutput(QProcess& process, const QByteArray& text, int timeoutMilliseconds,
+                               QByteArray* seen)
 {
     QElapsedTimer timer;
     timer.start();

@@ -82,10 +82,8 @@ QList<Container> videoContainers()
     };
     const QStringList h264 = args("-c:v libx264 -preset ultrafast -pix_fmt yuv420p");
     return {
-        {QStringLiteral("mp4"), h264, false},
-        {QStringLiteral("mov"), h264, false},
-        {QStringLiteral("mkv"), h264, true},
-        {QStringLiteral("avi"), args("-c:v mpeg4"), true},
+        {QStringLiteral("mp4"), h264, false}, {QStringLiteral("mov"), h264, false},
+        {QStringLiteral("mkv"), h264, true},  {QStringLiteral("avi"), args("-c:v mpeg4"), true},
         {QStringLiteral("ts"), h264, true},
     };
 }
@@ -189,7 +187,8 @@ QByteArray withHugePicture(QByteArray avi)
     putLittleEndian32(avi, format + 12, side);
     putLittleEndian32(avi, format + 16, side);
     const QByteArray startOfFrame("\xff\xc0", 2);
-    for (qsizetype at = avi.indexOf(startOfFrame); at >= 0; at = avi.indexOf(startOfFrame, at + 2)) {
+    for (qsizetype at = avi.indexOf(startOfFrame); at >= 0;
+         at = avi.indexOf(startOfFrame, at + 2)) {
         for (const qsizetype field : {at + 5, at + 7}) {
             avi[field] = static_cast<char>(side >> 8);
             avi[field + 1] = static_cast<char>(side & 0xff);
@@ -354,11 +353,13 @@ private:
             input.expected = fileIs(name, QStringLiteral("not a regular file."));
         } else if (head == QStringLiteral("random")) {
             // These bytes happen to pass for a stream of some format without pictures.
-            input.expected = extension == QStringLiteral("avi") ? noVideo : fileIs(name, unrecognized);
+            input.expected =
+                extension == QStringLiteral("avi") ? noVideo : fileIs(name, unrecognized);
         } else if (head == QStringLiteral("cut-header")) {
-            input.expected = extension == QStringLiteral("ts")    ? fileIs(name, unrecognized)
-                             : extension == QStringLiteral("mkv") ? damaged(name, QStringLiteral("End of file"))
-                                                                  : damaged(name, invalidData);
+            input.expected = extension == QStringLiteral("ts") ? fileIs(name, unrecognized)
+                             : extension == QStringLiteral("mkv")
+                                 ? damaged(name, QStringLiteral("End of file"))
+                                 : damaged(name, invalidData);
         } else if (head == QStringLiteral("cut-data") || head == QStringLiteral("rate-0")) {
             input.expected = damaged(name, invalidData);
         } else if (head == QStringLiteral("rate-1")) {
@@ -426,13 +427,12 @@ private slots:
                      << QStringLiteral("cut-data:") + container.extension;
             return keys;
         };
-        const QStringList audioKeys = named(QStringLiteral("wav")) + common + cuts(containers()) +
-                                      QStringList{QStringLiteral("streams-100:m4a"),
-                                                  QStringLiteral("streams-101:m4a")};
-        const QStringList videoKeys = named(QStringLiteral("mp4")) + common +
-                                      cuts(videoContainers()) +
-                                      QStringList{QStringLiteral("streams-99:mp4"),
-                                                  QStringLiteral("streams-100:mp4")};
+        const QStringList audioKeys =
+            named(QStringLiteral("wav")) + common + cuts(containers()) +
+            QStringList{QStringLiteral("streams-100:m4a"), QStringLiteral("streams-101:m4a")};
+        const QStringList videoKeys =
+            named(QStringLiteral("mp4")) + common + cuts(videoContainers()) +
+            QStringList{QStringLiteral("streams-99:mp4"), QStringLiteral("streams-100:mp4")};
         for (const OutputKind& kind : CliHarness::audioKinds())
             for (const QString& key : audioKeys)
                 QTest::addRow("%s, %s", qPrintable(kind.name), qPrintable(key)) << kind << key;
@@ -452,8 +452,9 @@ private slots:
         const CliHarness harness(root.path());
         const BadInput input = make(key, harness.work(), kind);
         // A name that is not UTF-8 is beyond QDir's reach: it goes by its bytes.
-        const auto removeRawName = qScopeGuard(
-            [&] { ::unlink((QFile::encodeName(harness.work()) + '/' + invalidUtf8Name).constData()); });
+        const auto removeRawName = qScopeGuard([&] {
+            ::unlink((QFile::encodeName(harness.work()) + '/' + invalidUtf8Name).constData());
+        });
         const QString path = harness.work() + QLatin1Char('/') + input.name;
         const QFileInfo info(path);
         const QByteArray before = info.isFile() ? Fixtures::sha256(path) : QByteArray();

@@ -130,8 +130,7 @@ private:
                                 const QString& errorName, const QString& work,
                                 const QString& source, const QString& writtenFile)
     {
-        const QString temp =
-            work + QStringLiteral("/.a_converting_XXXXXXXX.") + kind.extension;
+        const QString temp = work + QStringLiteral("/.a_converting_XXXXXXXX.") + kind.extension;
         const QString backup = work + QStringLiteral("/.a_backup_XXXXXXXX.") + kind.extension;
         const QString& call = step.call;
         if (call == QStringLiteral("openat"))
@@ -255,11 +254,10 @@ private slots:
             step.after = CliHarness::midStreamWrites(kind);
         Fault fault = harness.faultAt(step, destination, output);
         fault.errorName = errorName;
-        const Expected expected =
-            expectedFor(kind, step, errorName, harness.work(), source,
-                        inPlace ? harness.work() + QStringLiteral("/.a_converting_XXXXXXXX.") +
-                                      kind.extension
-                                : output);
+        const Expected expected = expectedFor(
+            kind, step, errorName, harness.work(), source,
+            inPlace ? harness.work() + QStringLiteral("/.a_converting_XXXXXXXX.") + kind.extension
+                    : output);
 
         if (expected.pending) {
             checkPendingThenQuit(harness, arguments, fault, root.filePath(QStringLiteral("failed")),
