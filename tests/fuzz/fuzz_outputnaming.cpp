@@ -58,9 +58,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                            : ConversionEngine::AudioLevelTarget::integratedLUFS(level);
     const QString input = QString::fromUtf8(reinterpret_cast<const char*>(data + 6),
                                             static_cast<qsizetype>(size - 6));
-    (void)OutputNaming::outputURL(input, format, video, audio, options, QStringLiteral("/tmp/out"),
-                                  std::nullopt,
-                                  ConversionEngine::InterlacingHandlingMode::keepOriginal, target);
+    const QString base = QStringLiteral("/tmp/out");
+    const QString output = OutputNaming::outputURL(
+        input, format, video, audio, options, base, std::nullopt,
+        ConversionEngine::InterlacingHandlingMode::keepOriginal, target);
+    // Whatever the input's name, the output stays in its folder and keeps the format's extension.
+    const QString folder =
+        options.createSubfolders ? base + u'/' + OutputNaming::subfolder(format) : base;
+    const QString name = output.mid(folder.size() + 1);
+    if (!output.startsWith(folder + u'/') || name.contains(u'/') ||
+        !name.endsWith(u'.' + fileExtension(format)))
+        __builtin_trap();
     (void)OutputNaming::stem(input);
     (void)OutputNaming::filenameDate(input);
     return 0;
