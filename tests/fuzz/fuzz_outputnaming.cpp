@@ -59,9 +59,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString input = QString::fromUtf8(reinterpret_cast<const char*>(data + 6),
                                             static_cast<qsizetype>(size - 6));
     const QString base = QStringLiteral("/tmp/out");
-    const QString output = OutputNaming::outputURL(
-        input, format, video, audio, options, base, std::nullopt,
-        ConversionEngine::InterlacingHandlingMode::keepOriginal, target);
+    const QString output =
+        OutputNaming::outputURL(input, format, video, audio, options, base, std::nullopt,
+                                ConversionEngine::InterlacingHandlingMode::keepOriginal, target);
     // Whatever the input's name, the output stays in its folder and keeps the format's extension.
     const QString folder =
         options.createSubfolders ? base + u'/' + OutputNaming::subfolder(format) : base;
