@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/media/sbr/SbrBitstream.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace Platform::Sbr {
+
+namespace {
+
+constexpr int extensionIdStereo = 2;
+
+// The levels `values` coded as a start value and differences across frequency.
+BitWriter inFrequency(std::vector<int>& values, int startBits, Codebook book)
+{
+    BitWriter out;
+    const int largest = largestValue(book);
+    out.write(static_cast<std::uint32_t>(values[0]), startBits);
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        values[i] = std::clamp(values[i], values[i - 1] - largest, values[i - 1] + largest);
+        out.writeCode(book, values[i] - values[i - 1]);
+    }
+    return out;
+}
+
+// The levels `values` coded as differences from `previous`.
+BitWriter inTime(std::vector<int>& values, const std::vector<int>& previous, Codebook book)
+{
+    BitWriter out;
+    const int largest = largestValue(book);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = std::clamp(values[i], previous[i] - largest, previous[i] + largest);
+        out.writeCode(book, values[i] - previous[i]);
+    }
+    return out;
+}
+
+} // namespace
+
+SbrBitstream::SbrBitstream(const FrequencyTables& tables, const BandChoice& choice, int channels)
+    : m_tables(tables)
+    , m_choice(choice)
+    , m_history(static_cast<std::size_t>(channels))
+{}
+
+BitWriter SbrBitstream::write(std::vector<SbrFrame>& frames, bool withHeader,
+                              const BitWriter& extension)
+{
+    BitWriter out;
+    out.write(withHeader ? 1 : 0, 1);
+    if (withHeader)
+        writeHeader(out);
+    std::vector<Coded> coded;
+    for (std::size_t ch = 0; ch < frames.size(); ++ch)
+        coded.push_back(code(frames[ch], m_history[ch]));
+    out.write(0, 1); // no extra data bits
+    if (frames.size() == 2)
+        out.write(0, 1); // channels coded apart
+    for (const SbrFrame& frame : frames)
+        writeGrid(out, frame);
+    for (const Coded& channel : coded) {
+        for (bool time : channel.envelopeInTime)
+            out.write(time ? 1 : 0, 1);
+        for (bool time : channel.noiseInTime)
+            out.write(time ? 1 : 0, 1);
+    }
+    for (const SbrFrame& frame : frames) {
+        for (int mode : frame.inverseFiltering)
+            out.write(static_cast<std::uint32_t>(mode), 2);
+    }
+    if (frames.size() == 1) {
+        out.append(coded[0].envelopes);
+        out.append(coded[0].noise);
+    } else {
+        out.append(coded[0].envelopes);
+        out.append(coded[1].envelopes);
+        out.append(coded[0].noise);
+        out.append(coded[1].noise);
+    }
+    for (const SbrFrame& frame : frames) {
+        out.write(frame.sinusoids.empty() ? 0 : 1, 1);
+        for (bool sinusoid : frame.sinusoids)
+            out.write(sinusoid ? 1 : 0, 1);
+    }
+    writeExtension(out, extension);
+    return out;
+}
+
+void SbrBitstream::writeHeader(BitWriter& out) const
+{
+    out.write(0, 1); // levels in 1.5 dB steps
+    out.write(static_cast<std::uint32_t>(m_choice.startIndex), 4);
+    out.write(static_cast<std::uint32_t>(m_choice.stopIndex), 4);
+    out.write(static_cast<std::uint32_t>(m_choice.crossoverIndex), 3);
+    out.write(0, 2);
+    out.write(0, 1); // frequency scale, alter scale and noise bands at their defaults
+    out.write(0, 1); // limiter and smoothing at their defaults
+}
+
+void SbrBitstream::writeGrid(BitWriter& out, const SbrFrame& frame)
+{
+    out.write(static_cast<std::uint32_t>(frame.frameClass), 2);
+    const int count = frame.envelopeCount();
+    // Only equal envelopes so far: 1, 2 or 4 of them.
+    out.write(static_cast<std::uint32_t>(std::countr_zero(static_cast<unsigned>(count))), 2);
+    out.write(frame.highResolution ? 1 : 0, 1);
+}
+
+SbrBitstream::Coded SbrBitstream::code(SbrFrame& frame, History& history) const
+{
+    Coded coded;
+    for (std::vector<int>& envelope : frame.envelopes) {
+        bool time = false;
+        codeLevels(envelope, history.envelope, 7, Codebook::envFreq15, Codebook::envTime15, time,
+                   coded.envelopes);
+        coded.envelopeInTime.push_back(time);
+        history.envelope = envelope;
+    }
+    for (std::vector<int>& floors : frame.noiseFloors) {
+        bool time = false;
+        codeLevels(floors, history.noise, 5, Codebook::envFreq30, Codebook::noiseTime, time,
+                   coded.noise);
+        coded.noiseInTime.push_back(time);
+        history.noise = floors;
+    }
+    return coded;
+}
+
+void SbrBitstream::codeLevels(std::vector<int>& values, const std::vector<int>& previous,
+                              int startBits, Codebook frequencyBook, Codebook timeBook,
+                              bool& inTimeChosen, BitWriter& out)
+{
+    std::vector<int> frequencyValues = values;
+    const BitWriter frequency = inFrequency(frequencyValues, startBits, frequencyBook);
+    inTimeChosen = false;
+    if (previous.size() == values.size()) {
+        std::vector<int> timeValues = values;
+        const BitWriter time = inTime(timeValues, previous, timeBook);
+        if (time.bitCount() < frequency.bitCount()) {
+            inTimeChosen = true;
+            values = timeValues;
+            out.append(time);
+            return;
+        }
+    }
+    values = frequencyValues;
+    out.append(frequency);
+}
+
+void SbrBitstream::writeExtension(BitWriter& out, const BitWriter& extension)
+{
+    if (extension.bitCount() == 0) {
+        out.write(0, 1);
+        return;
+    }
+    out.write(1, 1);
+    const int bytes = (2 + extension.bitCount() + 7) / 8;
+    if (bytes < 15) {
+        out.write(static_cast<std::uint32_t>(bytes), 4);
+    } else {
+        out.write(15, 4);
+        out.write(static_cast<std::uint32_t>(bytes - 15), 8);
+    }
+    out.write(extensionIdStereo, 2);
+    out.append(extension);
+    for (int bit = 2 + extension.bitCount(); bit < 8 * bytes; ++bit)
+        out.write(0, 1);
+}
+
+} // namespace Platform::Sbr

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What one frame says about one channel's high band: its time grid, the quantised envelope and
+// noise-floor levels, the inverse-filtering levels and which bands carry an added sinusoid.
+// Plain data; any thread.
+#pragma once
+
+#include <vector>
+
+namespace Platform::Sbr {
+
+enum class FrameClass
+{
+    fixFix = 0,
+    fixVar = 1,
+    varFix = 2,
+    varVar = 3,
+};
+
+struct SbrFrame
+{
+    // Envelopes of equal length (fixFix, 1, 2 or 4 of them) or borders set freely.
+    FrameClass frameClass = FrameClass::fixFix;
+    // Envelope borders in frame time slots (two filter-bank slots each), first to last.
+    std::vector<int> borders{0, 16};
+    // Which envelope starts at a transient, counted as the grid's pointer (0 = none).
+    int pointer = 0;
+    bool highResolution = true;
+    // Quantised levels, absolute, per envelope and band (steps of 1.5 dB).
+    std::vector<std::vector<int>> envelopes;
+    // Quantised noise floors, absolute (0…30), per noise envelope and noise band.
+    std::vector<std::vector<int>> noiseFloors;
+    // Per noise band, 0 (off) … 3 (strong).
+    std::vector<int> inverseFiltering;
+    // Per high-resolution band; empty when no band carries one.
+    std::vector<bool> sinusoids;
+
+    int envelopeCount() const { return static_cast<int>(borders.size()) - 1; }
+    int noiseEnvelopeCount() const { return envelopeCount() > 1 ? 2 : 1; }
+};
+
+} // namespace Platform::Sbr

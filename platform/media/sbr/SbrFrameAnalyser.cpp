@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/media/sbr/SbrFrameAnalyser.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Platform::Sbr {
+
+namespace {
+
+// Mean subband power of our filter bank times this is the level a decoder's filter bank
+// reports for the same signal (found by coding noise of known level and decoding it).
+constexpr double levelScale = 64.0 * 32768.0 * 32768.0;
+// Two envelopes when the halves of a frame differ by more than this (in level ratio).
+constexpr double splitRatio = 2.8;
+// Below this mean subband power a band is silent.
+constexpr double silence = 1e-12;
+
+} // namespace
+
+SbrFrameAnalyser::SbrFrameAnalyser(const FrequencyTables& tables)
+    : m_tables(tables)
+{}
+
+int SbrFrameAnalyser::quantisedLevel(double power)
+{
+    const double scaled = std::max(power, silence) * levelScale;
+    const double level = 2.0 * std::log2(scaled / 64.0);
+    return std::clamp(static_cast<int>(std::lround(level)), 0, 127);
+}
+
+SbrFrame SbrFrameAnalyser::analyse(const Slot* slots) const
+{
+    SbrFrame frame;
+    frame.borders = chooseBorders(slots);
+    for (int e = 0; e < frame.envelopeCount(); ++e) {
+        frame.envelopes.push_back(envelope(slots, 2 * frame.borders[static_cast<std::size_t>(e)],
+                                           2 * frame.borders[static_cast<std::size_t>(e) + 1]));
+    }
+    measureNoise(slots, frame);
+    return frame;
+}
+
+std::vector<int> SbrFrameAnalyser::chooseBorders(const Slot* slots) const
+{
+    double halves[2] = {0.0, 0.0};
+    for (int l = 0; l < slotsPerFrame; ++l) {
+        for (int k = m_tables.kx; k < m_tables.kx + m_tables.m; ++k)
+            halves[l / (slotsPerFrame / 2)] += std::norm(slots[l][static_cast<std::size_t>(k)]);
+    }
+    const double ratio =
+        (std::max(halves[0], halves[1]) + silence) / (std::min(halves[0], halves[1]) + silence);
+    if (ratio > splitRatio)
+        return {0, 8, 16};
+    return {0, 16};
+}
+
+std::vector<int> SbrFrameAnalyser::envelope(const Slot* slots, int firstSlot, int endSlot) const
+{
+    const std::vector<int>& borders = m_tables.bands(true);
+    std::vector<int> levels;
+    for (std::size_t band = 0; band + 1 < borders.size(); ++band) {
+        double sum = 0.0;
+        for (int l = firstSlot; l < endSlot; ++l) {
+            for (int k = borders[band]; k < borders[band + 1]; ++k)
+                sum += std::norm(slots[l][static_cast<std::size_t>(k)]);
+        }
+        const double mean = sum / ((endSlot - firstSlot) * (borders[band + 1] - borders[band]));
+        levels.push_back(quantisedLevel(mean));
+    }
+    return levels;
+}
+
+double SbrFrameAnalyser::predictionErrorRatio(const Slot* slots, int count, int subband)
+{
+    // Second-order linear prediction across time in one subband: near 0 for a steady tone,
+    // near 1 for noise.
+    std::complex<double> r1;
+    std::complex<double> r2;
+    double r0 = 0.0;
+    for (int l = 0; l < count; ++l) {
+        const std::complex<double> x = slots[l][static_cast<std::size_t>(subband)];
+        r0 += std::norm(x);
+        if (l >= 1)
+            r1 += x *
+                  std::conj(std::complex<double>(slots[l - 1][static_cast<std::size_t>(subband)]));
+        if (l >= 2)
+            r2 += x *
+                  std::conj(std::complex<double>(slots[l - 2][static_cast<std::size_t>(subband)]));
+    }
+    if (r0 <= silence)
+        return 1.0;
+    const std::complex<double> k1 = r1 / r0;
+    const double e1 = r0 * std::max(1e-9, 1.0 - std::norm(k1));
+    const std::complex<double> k2 = (r2 - k1 * r1) / e1;
+    const double e2 = e1 * std::max(1e-9, 1.0 - std::min(1.0, std::norm(k2)));
+    return std::clamp(e2 / r0, 0.0, 1.0);
+}
+
+void SbrFrameAnalyser::measureNoise(const Slot* slots, SbrFrame& frame) const
+{
+    std::vector<int> floors;
+    for (int band = 0; band < m_tables.noiseBandCount(); ++band) {
+        double original = 0.0;
+        double source = 0.0;
+        int count = 0;
+        for (int k = m_tables.noise[static_cast<std::size_t>(band)];
+             k < m_tables.noise[static_cast<std::size_t>(band) + 1]; ++k) {
+            original += predictionErrorRatio(slots, slotsPerFrame, k);
+            source += predictionErrorRatio(slots, slotsPerFrame, m_tables.sourceOf(k));
+            ++count;
+        }
+        original /= std::max(1, count);
+        source /= std::max(1, count);
+        // The share of noise that brings the copied band's noisiness up to the original's.
+        const double wanted = (original - source) / std::max(0.05, 1.0 - original);
+        const double ratio = std::clamp(wanted, std::pow(2.0, -24.0), 64.0);
+        floors.push_back(std::clamp(static_cast<int>(std::lround(6.0 - std::log2(ratio))), 0, 30));
+        const double gap = original - source;
+        frame.inverseFiltering.push_back(gap > 0.6 ? 3 : gap > 0.35 ? 2 : gap > 0.15 ? 1 : 0);
+    }
+    frame.noiseFloors.assign(static_cast<std::size_t>(frame.noiseEnvelopeCount()), floors);
+}
+
+} // namespace Platform::Sbr

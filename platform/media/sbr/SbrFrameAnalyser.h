@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Measures one frame of one channel's subband slots and says what the high band must carry:
+// the time grid (one or two envelopes), the envelope levels, the noise floors and the
+// inverse-filtering levels. One owner; any thread.
+#pragma once
+
+#include "platform/media/sbr/FrequencyTables.h"
+#include "platform/media/sbr/SbrFrame.h"
+
+#include <array>
+#include <complex>
+#include <vector>
+
+namespace Platform::Sbr {
+
+using Slot = std::array<std::complex<float>, 64>;
+
+class SbrFrameAnalyser
+{
+public:
+    // Filter-bank slots per frame.
+    static constexpr int slotsPerFrame = 32;
+
+    explicit SbrFrameAnalyser(const FrequencyTables& tables);
+    // `slots` holds the frame's 32 slots in order.
+    SbrFrame analyse(const Slot* slots) const;
+
+    // The quantised level (1.5 dB steps, 0…127) a decoder turns into mean subband power
+    // `power` of our filter bank.
+    static int quantisedLevel(double power);
+
+private:
+    std::vector<int> chooseBorders(const Slot* slots) const;
+    std::vector<int> envelope(const Slot* slots, int firstSlot, int endSlot) const;
+    void measureNoise(const Slot* slots, SbrFrame& frame) const;
+    static double predictionErrorRatio(const Slot* slots, int count, int subband);
+
+    FrequencyTables m_tables;
+};
+
+} // namespace Platform::Sbr

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/media/sbr/EncoderPlan.h"
+#include "tests/media/HeAacTestSupport.h"
+
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Platform;
+using TestSupport::Fixtures;
+
+namespace {
+
+constexpr double fixtureSeconds = 3.0;
+
+QString profileOf(const QString& path)
+{
+    const QJsonObject json = Fixtures::probe(path);
+    for (const QJsonValue& value : json.value(QStringLiteral("streams")).toArray()) {
+        const QJsonObject stream = value.toObject();
+        if (stream.value(QStringLiteral("codec_type")).toString() == QStringLiteral("audio"))
+            return stream.value(QStringLiteral("profile")).toString();
+    }
+    return {};
+}
+
+} // namespace
+
+class HeAacTests : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+
+    QString path(const QString& name) const { return m_dir.filePath(name); }
+
+    QString makeSource(const QString& name, const QString& graph, int rate)
+    {
+        const QString target = path(name);
+        if (QFileInfo::exists(target))
+            return target;
+        const bool made = Fixtures::runFfmpeg(
+            {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), graph,
+             QStringLiteral("-t"), QString::number(fixtureSeconds), QStringLiteral("-ar"),
+             QString::number(rate), QStringLiteral("-c:a"), QStringLiteral("pcm_f32le"), target});
+        return made ? target : QString();
+    }
+
+    // Stereo pink noise, a different noise in each channel.
+    QString pinkNoise(int rate)
+    {
+        return makeSource(QStringLiteral("pink-%1.wav").arg(rate),
+                          QStringLiteral("anoisesrc=color=pink:amplitude=0.25:seed=3:r=%1[a];"
+                                         "anoisesrc=color=pink:amplitude=0.25:seed=5:r=%1[b];"
+                                         "[a][b]amerge=inputs=2")
+                              .arg(rate),
+                          rate);
+    }
+
+    // Three sawtooth notes, rich in overtones right up the band.
+    QString chord(int rate)
+    {
+        auto saw = [](double f) { return QStringLiteral("2*(t*%1-floor(0.5+t*%1))").arg(f); };
+        const QString mix =
+            QStringLiteral("0.12*(%1+%2+%3)").arg(saw(220.0), saw(277.18), saw(329.63));
+        return makeSource(QStringLiteral("chord-%1.wav").arg(rate),
+                          QStringLiteral("aevalsrc=%1|%1:s=%2").arg(mix).arg(rate), rate);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        // Leaves the files behind for a listen when asked to.
+        if (qEnvironmentVariableIsSet("ONDRILET_KEEP_TEST_FILES")) {
+            m_dir.setAutoRemove(false);
+            qInfo("files in %s", qPrintable(m_dir.path()));
+        }
+    }
+
+    void probesAsHighEfficiency_data()
+    {
+        QTest::addColumn<quint32>("formatId");
+        QTest::addColumn<int>("rate");
+        QTest::addColumn<int>("channels");
+        QTest::addColumn<QString>("profile");
+        QTest::newRow("HE-AAC stereo 48 kHz")
+            << quint32(AudioFormatId::mpeg4AACHighEfficiency) << 48000 << 2 << "HE-AAC";
+        QTest::newRow("HE-AAC mono 44.1 kHz")
+            << quint32(AudioFormatId::mpeg4AACHighEfficiency) << 44100 << 1 << "HE-AAC";
+        QTest::newRow("HE-AAC v2 48 kHz")
+            << quint32(AudioFormatId::mpeg4AACHighEfficiencyV2) << 48000 << 2 << "HE-AACv2";
+    }
+
+    void probesAsHighEfficiency()
+    {
+        QFETCH(quint32, formatId);
+        QFETCH(int, rate);
+        QFETCH(int, channels);
+        QFETCH(QString, profile);
+        const QString source = pinkNoise(rate);
+        QVERIFY(!source.isEmpty());
+        const QString target =
+            path(QStringLiteral("probe-%1-%2-%3.m4a").arg(formatId).arg(rate).arg(channels));
+        const std::optional<QString> failure =
+            HeAacTest::write(source, target, FileType::appleM4A,
+                             HeAacTest::highEfficiency(formatId, rate, channels));
+        QVERIFY2(!failure, qPrintable(failure.value_or(QString())));
+        const TestSupport::AudioStreamProbe stream = Fixtures::probeAudio(target);
+        QCOMPARE(stream.codecName, QStringLiteral("aac"));
+        QCOMPARE(profileOf(target), profile);
+        QCOMPARE(stream.sampleRate, rate);
+        // FFmpeg's decoder cannot rule out parametric stereo in a one-channel high-band stream
+        // and presents it as two equal channels.
+        QCOMPARE(stream.channels, 2);
+        const double frame = 2048.0 / rate;
+        QVERIFY2(std::abs(stream.durationSeconds - fixtureSeconds) <= frame,
+                 qPrintable(QString::number(stream.durationSeconds)));
+        const TestSupport::DecodedAudio decoded = Fixtures::decode(target);
+        QCOMPARE(decoded.sampleRate, rate);
+        if (channels == 1) {
+            for (qint64 i = 0; i < decoded.frameCount(); ++i)
+                QCOMPARE(decoded.samples[std::size_t(2 * i)],
+                         decoded.samples[std::size_t(2 * i + 1)]);
+        }
+        QVERIFY2(std::abs(double(decoded.frameCount()) / rate - fixtureSeconds) <= frame,
+                 qPrintable(QString::number(decoded.frameCount())));
+    }
+
+    void highBandFollowsTheSource_data()
+    {
+        QTest::addColumn<QString>("fixture");
+        QTest::addColumn<int>("bitRate");
+        QTest::newRow("pink noise 48k") << "pink" << 48000;
+        QTest::newRow("chord 48k") << "chord" << 48000;
+        QTest::newRow("pink noise 24k") << "pink" << 24000;
+        QTest::newRow("chord 64k") << "chord" << 64000;
+    }
+
+    void highBandFollowsTheSource()
+    {
+        QFETCH(QString, fixture);
+        QFETCH(int, bitRate);
+        constexpr int rate = 48000;
+        const QString source = fixture == QStringLiteral("pink") ? pinkNoise(rate) : chord(rate);
+        QVERIFY(!source.isEmpty());
+        const QString target = path(QStringLiteral("band-%1-%2.m4a").arg(fixture).arg(bitRate));
+        const std::optional<QString> failure = HeAacTest::write(
+            source, target, FileType::appleM4A,
+            HeAacTest::highEfficiency(AudioFormatId::mpeg4AACHighEfficiency, rate, 2, bitRate));
+        QVERIFY2(!failure, qPrintable(failure.value_or(QString())));
+
+        const std::optional<Sbr::EncoderPlan> plan =
+            Sbr::EncoderPlan::make(rate, 2, false, bitRate);
+        QVERIFY(plan);
+        const TestSupport::DecodedAudio original = Fixtures::decode(source);
+        const TestSupport::DecodedAudio decoded = Fixtures::decode(target);
+        QCOMPARE(decoded.channels, 2);
+        const qint64 first = rate / 4;
+        const qint64 end = std::min(original.frameCount(), decoded.frameCount()) - rate / 4;
+        const std::vector<int>& bands = plan->tables.high;
+        double sum = 0.0;
+        QStringList report;
+        for (int channel = 0; channel < 2; ++channel) {
+            const std::vector<double> wanted = HeAacTest::spectrum(original, channel, first, end);
+            const std::vector<double> got = HeAacTest::spectrum(decoded, channel, first, end);
+            for (std::size_t b = 0; b + 1 < bands.size(); ++b) {
+                const double low = bands[b] * rate / 128.0;
+                const double high = bands[b + 1] * rate / 128.0;
+                const double difference = HeAacTest::bandLevel(got, rate, low, high) -
+                                          HeAacTest::bandLevel(wanted, rate, low, high);
+                sum += std::abs(difference);
+                report.append(QString::number(difference, 'f', 1));
+            }
+        }
+        const double mean = sum / double(report.size());
+        qInfo("band differences (dB): %s; mean %.2f", qPrintable(report.join(QLatin1Char(' '))),
+              mean);
+        QVERIFY2(mean <= 3.0, qPrintable(report.join(QLatin1Char(' '))));
+    }
+};
+
+QTEST_GUILESS_MAIN(HeAacTests)
+#include "tst_heaac.moc"
