@@ -68,6 +68,31 @@ private:
                           QStringLiteral("aevalsrc=%1|%1:s=%2").arg(mix).arg(rate), rate);
     }
 
+    // Pink noise panned left (the right channel at half the left's amplitude), or centred.
+    QString pannedNoise(int rate, double rightGain)
+    {
+        return makeSource(QStringLiteral("panned-%1-%2.wav").arg(rate).arg(rightGain),
+                          QStringLiteral("anoisesrc=color=pink:amplitude=0.3:seed=9:r=%1,"
+                                         "pan=stereo|c0=c0|c1=%2*c0")
+                              .arg(rate)
+                              .arg(rightGain),
+                          rate);
+    }
+
+    // Left-minus-right level (dB) per third of an octave from 150 Hz to 15 kHz.
+    static std::vector<double> panning(const TestSupport::DecodedAudio& audio, int rate)
+    {
+        const qint64 first = rate / 4;
+        const qint64 end = audio.frameCount() - rate / 4;
+        const std::vector<double> left = HeAacTest::spectrum(audio, 0, first, end);
+        const std::vector<double> right = HeAacTest::spectrum(audio, 1, first, end);
+        std::vector<double> differences;
+        for (double low = 150.0; low * 1.26 <= 15000.0; low *= 1.26)
+            differences.push_back(HeAacTest::bandLevel(left, rate, low, low * 1.26) -
+                                  HeAacTest::bandLevel(right, rate, low, low * 1.26));
+        return differences;
+    }
+
 private slots:
     void initTestCase()
     {
@@ -178,6 +203,41 @@ private slots:
         qInfo("band differences (dB): %s; mean %.2f", qPrintable(report.join(QLatin1Char(' '))),
               mean);
         QVERIFY2(mean <= 3.0, qPrintable(report.join(QLatin1Char(' '))));
+    }
+
+    void parametricStereoKeepsThePanning_data()
+    {
+        QTest::addColumn<double>("rightGain");
+        QTest::addColumn<int>("bitRate");
+        QTest::newRow("panned left, 32 kb/s") << 0.5 << 32000;
+        QTest::newRow("panned left, 16 kb/s") << 0.5 << 16000;
+        QTest::newRow("centred, 24 kb/s") << 1.0 << 24000;
+    }
+
+    void parametricStereoKeepsThePanning()
+    {
+        QFETCH(double, rightGain);
+        QFETCH(int, bitRate);
+        constexpr int rate = 48000;
+        const QString source = pannedNoise(rate, rightGain);
+        QVERIFY(!source.isEmpty());
+        const QString target = path(QStringLiteral("ps-%1-%2.m4a").arg(rightGain).arg(bitRate));
+        const std::optional<QString> failure = HeAacTest::write(
+            source, target, FileType::appleM4A,
+            HeAacTest::highEfficiency(AudioFormatId::mpeg4AACHighEfficiencyV2, rate, 2, bitRate));
+        QVERIFY2(!failure, qPrintable(failure.value_or(QString())));
+        QCOMPARE(profileOf(target), QStringLiteral("HE-AACv2"));
+        const std::vector<double> wanted = panning(Fixtures::decode(source), rate);
+        const std::vector<double> got = panning(Fixtures::decode(target), rate);
+        QCOMPARE(got.size(), wanted.size());
+        QStringList report;
+        double worst = 0.0;
+        for (std::size_t b = 0; b < got.size(); ++b) {
+            worst = std::max(worst, std::abs(got[b] - wanted[b]));
+            report.append(QString::number(got[b] - wanted[b], 'f', 1));
+        }
+        qInfo("panning error per band (dB): %s", qPrintable(report.join(QLatin1Char(' '))));
+        QVERIFY2(worst <= 2.0, qPrintable(report.join(QLatin1Char(' '))));
     }
 };
 
