@@ -93,6 +93,60 @@ private:
         return differences;
     }
 
+    // Quiet low-band noise with 10 ms bursts of white noise at times that fall differently on
+    // the frames.
+    QString bursts(int rate)
+    {
+        QStringList on;
+        for (double start : {0.5, 1.013, 1.531, 2.047, 2.561})
+            on.append(QStringLiteral("between(t,%1,%2)").arg(start).arg(start + 0.01));
+        return makeSource(
+            QStringLiteral("bursts-%1.wav").arg(rate),
+            QStringLiteral("anoisesrc=color=white:amplitude=0.5:seed=11:nb_samples=16:r=%1,"
+                           "volume='%2':eval=frame,highpass=f=9000,highpass=f=9000[b];"
+                           "anoisesrc=color=pink:amplitude=0.2:seed=12:r=%1,lowpass=f=2000,"
+                           "lowpass=f=2000[l];[b][l]amix=inputs=2:normalize=0,"
+                           "aformat=channel_layouts=mono")
+                .arg(rate)
+                .arg(on.join(QLatin1Char('+'))),
+            rate);
+    }
+
+    // Power (dB) of what lies above `lowHertz` in each 64-sample block of channel 0.
+    static std::vector<double> highBandEnvelope(const TestSupport::DecodedAudio& audio, int rate,
+                                                double lowHertz)
+    {
+        // A windowed-sinc high-pass, 255 taps, delay compensated.
+        constexpr int taps = 255;
+        std::vector<double> filter(taps);
+        const double cutoff = lowHertz / rate;
+        for (int n = 0; n < taps; ++n) {
+            const double t = n - (taps - 1) / 2.0;
+            const double window = 0.42 - 0.5 * std::cos(2 * std::numbers::pi * n / (taps - 1)) +
+                                  0.08 * std::cos(4 * std::numbers::pi * n / (taps - 1));
+            const double lowPass =
+                t == 0 ? 2 * cutoff
+                       : std::sin(2 * std::numbers::pi * cutoff * t) / (std::numbers::pi * t);
+            filter[std::size_t(n)] = ((t == 0 ? 1.0 : 0.0) - lowPass) * window;
+        }
+        std::vector<double> levels;
+        for (qint64 block = 0; (block + 1) * 64 + taps < audio.frameCount(); ++block) {
+            double sum = 1e-20;
+            for (qint64 i = block * 64; i < (block + 1) * 64; ++i) {
+                double value = 0.0;
+                for (int n = 0; n < taps; ++n) {
+                    const qint64 at = i + (taps - 1) / 2 - n;
+                    if (at >= 0 && at < audio.frameCount())
+                        value += filter[std::size_t(n)] *
+                                 audio.samples[std::size_t(at) * std::size_t(audio.channels)];
+                }
+                sum += value * value;
+            }
+            levels.push_back(10.0 * std::log10(sum));
+        }
+        return levels;
+    }
+
 private slots:
     void initTestCase()
     {
@@ -238,6 +292,42 @@ private slots:
         }
         qInfo("panning error per band (dB): %s", qPrintable(report.join(QLatin1Char(' '))));
         QVERIFY2(worst <= 2.0, qPrintable(report.join(QLatin1Char(' '))));
+    }
+
+    void transientsShowNoLongPreEcho()
+    {
+        constexpr int rate = 48000;
+        const QString source = bursts(rate);
+        QVERIFY(!source.isEmpty());
+        const QString target = path(QStringLiteral("bursts.m4a"));
+        const std::optional<QString> failure = HeAacTest::write(
+            source, target, FileType::appleM4A,
+            HeAacTest::highEfficiency(AudioFormatId::mpeg4AACHighEfficiency, rate, 1, 32000));
+        QVERIFY2(!failure, qPrintable(failure.value_or(QString())));
+        const std::optional<Sbr::EncoderPlan> plan = Sbr::EncoderPlan::make(rate, 1, false, 32000);
+        QVERIFY(plan);
+        const double crossover = plan->crossoverHertz * 1.1;
+        const std::vector<double> wanted =
+            highBandEnvelope(Fixtures::decode(source), rate, crossover);
+        const std::vector<double> got = highBandEnvelope(Fixtures::decode(target), rate, crossover);
+        const double peak = *std::max_element(wanted.begin(), wanted.end());
+        // Each burst's first block within 20 dB of the peak, in the source and decoded; one
+        // time slot of the high band's grid is two blocks of 64 samples.
+        QStringList report;
+        int worst = 0;
+        for (std::size_t block = 1; block < wanted.size(); ++block) {
+            if (!(wanted[block] > peak - 20.0 && wanted[block - 1] <= peak - 20.0))
+                continue;
+            std::size_t first = block - 40;
+            while (first < block + 40 && got[first] <= peak - 20.0)
+                ++first;
+            const int early = int(block) - int(first);
+            worst = std::max(worst, early);
+            report.append(QString::number(early));
+        }
+        qInfo("blocks of pre-echo per burst: %s", qPrintable(report.join(QLatin1Char(' '))));
+        QCOMPARE(report.size(), 5);
+        QVERIFY2(worst <= 2, qPrintable(report.join(QLatin1Char(' '))));
     }
 };
 

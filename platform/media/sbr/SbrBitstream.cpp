@@ -101,9 +101,24 @@ void SbrBitstream::writeGrid(BitWriter& out, const SbrFrame& frame)
 {
     out.write(static_cast<std::uint32_t>(frame.frameClass), 2);
     const int count = frame.envelopeCount();
-    // Only equal envelopes so far: 1, 2 or 4 of them.
-    out.write(static_cast<std::uint32_t>(std::countr_zero(static_cast<unsigned>(count))), 2);
-    out.write(frame.highResolution ? 1 : 0, 1);
+    if (frame.frameClass == FrameClass::fixFix) {
+        // Equal envelopes: 1, 2 or 4 of them, one resolution for all.
+        out.write(static_cast<std::uint32_t>(std::countr_zero(static_cast<unsigned>(count))), 2);
+        out.write(frame.highResolution ? 1 : 0, 1);
+        return;
+    }
+    out.write(static_cast<std::uint32_t>(frame.borders.front()), 2);
+    out.write(static_cast<std::uint32_t>(frame.borders.back() - 16), 2);
+    out.write(static_cast<std::uint32_t>(frame.leadingLengths.size()), 2);
+    out.write(static_cast<std::uint32_t>(frame.trailingLengths.size()), 2);
+    for (int length : frame.leadingLengths)
+        out.write(static_cast<std::uint32_t>((length - 2) / 2), 2);
+    for (int length : frame.trailingLengths)
+        out.write(static_cast<std::uint32_t>((length - 2) / 2), 2);
+    out.write(static_cast<std::uint32_t>(frame.pointer),
+              std::bit_width(static_cast<unsigned>(count)));
+    for (int e = 0; e < count; ++e)
+        out.write(frame.highResolution ? 1 : 0, 1);
 }
 
 SbrBitstream::Coded SbrBitstream::code(SbrFrame& frame, History& history) const

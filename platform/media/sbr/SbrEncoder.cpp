@@ -27,7 +27,8 @@ SbrEncoder::SbrEncoder(int outputRate, int inputChannels, bool parametricStereo,
     : m_inputChannels(inputChannels)
     , m_parametricStereo(parametricStereo && inputChannels == 2)
     , m_tables(tablesFor(outputRate, choice))
-    , m_analyser(m_tables)
+    , m_analysers(static_cast<std::size_t>(m_parametricStereo ? 1 : inputChannels),
+                  SbrFrameAnalyser(m_tables))
     , m_bitstream(m_tables, choice, m_parametricStereo ? 1 : inputChannels)
     , m_banks(static_cast<std::size_t>(inputChannels))
     , m_pending(static_cast<std::size_t>(inputChannels))
@@ -93,12 +94,14 @@ void SbrEncoder::processBlock(std::size_t offset)
 std::optional<BitWriter> SbrEncoder::nextFrame()
 {
     constexpr int length = SbrFrameAnalyser::slotsPerFrame;
-    if (static_cast<int>(m_slots[0].size()) < length)
+    constexpr int needed = SbrFrameAnalyser::slotsNeeded;
+    if (static_cast<int>(m_slots[0].size()) < needed)
         return std::nullopt;
     std::vector<SbrFrame> frames;
-    for (std::deque<Slot>& channel : m_slots) {
-        const std::vector<Slot> window(channel.begin(), channel.begin() + length);
-        frames.push_back(m_analyser.analyse(window.data()));
+    for (std::size_t ch = 0; ch < m_slots.size(); ++ch) {
+        std::deque<Slot>& channel = m_slots[ch];
+        const std::vector<Slot> window(channel.begin(), channel.begin() + needed);
+        frames.push_back(m_analysers[ch].analyse(window.data()));
         channel.erase(channel.begin(), channel.begin() + length);
     }
     BitWriter stereo;

@@ -52,7 +52,8 @@ private:
     int m_inputChannels;
     bool m_parametricStereo;
     FrequencyTables m_tables;
-    SbrFrameAnalyser m_analyser;
+    // One per coded channel: each keeps where its last frame ended.
+    std::vector<SbrFrameAnalyser> m_analysers;
     SbrBitstream m_bitstream;
     std::unique_ptr<PsEncoder> m_stereo;
     std::vector<QmfAnalysis> m_banks;

@@ -18,10 +18,16 @@ enum class FrameClass
 
 struct SbrFrame
 {
-    // Envelopes of equal length (fixFix, 1, 2 or 4 of them) or borders set freely.
+    // Envelopes of equal length (fixFix, 1, 2 or 4 of them) or borders set freely (varVar).
     FrameClass frameClass = FrameClass::fixFix;
-    // Envelope borders in frame time slots (two filter-bank slots each), first to last.
+    // Envelope borders in frame time slots (two filter-bank slots each), first to last. With
+    // varVar the first is 0…3 (where the previous frame ended) and the last 16…19.
     std::vector<int> borders{0, 16};
+    // varVar: envelope lengths counted from the first border onwards and from the last border
+    // backwards (2, 4, 6 or 8 slots each, at most three of each, the first of
+    // trailingLengths ending at the last border); the envelope between them takes the rest.
+    std::vector<int> leadingLengths;
+    std::vector<int> trailingLengths;
     // Which envelope starts at a transient, counted as the grid's pointer (0 = none).
     int pointer = 0;
     bool highResolution = true;

@@ -2,6 +2,7 @@
 #include "platform/media/sbr/SbrFrameAnalyser.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace Platform::Sbr {
@@ -15,6 +16,26 @@ constexpr double levelScale = 64.0 * 32768.0 * 32768.0;
 constexpr double splitRatio = 2.8;
 // Below this mean subband power a band is silent.
 constexpr double silence = 1e-12;
+// A slot whose high band holds this many times the mean of the slots before it starts a
+// transient.
+constexpr double transientRise = 8.0;
+constexpr int transientHistory = 6;
+constexpr int longestStep = 8;
+
+// Envelope lengths (2, 4, 6 or 8 slots, at most three) that add up to `total`; empty when
+// none do.
+std::vector<int> stepsOf(int total)
+{
+    std::vector<int> steps;
+    if (total < 2 || total % 2 != 0 || total > 3 * longestStep)
+        return steps;
+    while (total > 0) {
+        const int step = std::min(longestStep, total);
+        steps.push_back(step);
+        total -= step;
+    }
+    return steps;
+}
 
 } // namespace
 
@@ -29,16 +50,104 @@ int SbrFrameAnalyser::quantisedLevel(double power)
     return std::clamp(static_cast<int>(std::lround(level)), 0, 127);
 }
 
-SbrFrame SbrFrameAnalyser::analyse(const Slot* slots) const
+SbrFrame SbrFrameAnalyser::analyse(const Slot* slots)
 {
+    std::vector<double> power = m_earlierPower;
+    power.resize(transientHistory, 0.0);
+    for (int l = 0; l < slotsNeeded; ++l) {
+        double sum = 0.0;
+        for (int k = m_tables.kx; k < m_tables.kx + m_tables.m; ++k)
+            sum += std::norm(slots[l][static_cast<std::size_t>(k)]);
+        power.push_back(sum);
+    }
+    // In the frame after its first envelope's first slot, and in the next frame's first slots.
+    const int transient = transientAt(power, 2 * m_leadingBorder + 2, slotsPerFrame);
+    const int next = transientAt(power, slotsPerFrame, slotsPerFrame + 6);
+    int trailing = next >= 0 ? (next - slotsPerFrame) / 2 : 0;
+
     SbrFrame frame;
-    frame.borders = chooseBorders(slots);
+    if (transient < 0 && m_leadingBorder == 0 && trailing == 0) {
+        frame.borders = chooseBorders(slots);
+    } else {
+        frame.frameClass = FrameClass::varVar;
+        frame.borders = {m_leadingBorder, slotsPerFrame / 2 + trailing};
+        if (transient >= 0) {
+            // Without a transient to meet in the next frame, the frame may end a slot late so
+            // that a border lands on the transient itself.
+            const int at = transient / 2;
+            if (next < 0 && stepsOf(at - m_leadingBorder).empty() &&
+                stepsOf(slotsPerFrame / 2 - at).empty() &&
+                !stepsOf(slotsPerFrame / 2 + 1 - at).empty()) {
+                trailing = 1;
+                frame.borders.back() = slotsPerFrame / 2 + trailing;
+            }
+            placeAroundTransient(frame, at);
+        }
+    }
     for (int e = 0; e < frame.envelopeCount(); ++e) {
         frame.envelopes.push_back(envelope(slots, 2 * frame.borders[static_cast<std::size_t>(e)],
                                            2 * frame.borders[static_cast<std::size_t>(e) + 1]));
     }
     measureNoise(slots, frame);
+    m_leadingBorder = trailing;
+    m_earlierPower.assign(power.begin() + transientHistory + slotsPerFrame - transientHistory,
+                          power.begin() + transientHistory + slotsPerFrame);
     return frame;
+}
+
+int SbrFrameAnalyser::transientAt(const std::vector<double>& power, int firstSlot,
+                                  int endSlot) const
+{
+    // `power` starts with the history, so slot l is at l + transientHistory.
+    int best = -1;
+    double bestRise = transientRise;
+    for (int l = std::max(0, firstSlot); l < endSlot; ++l) {
+        double before = 0.0;
+        for (int j = 1; j <= transientHistory; ++j)
+            before += power[static_cast<std::size_t>(l + transientHistory - j)];
+        before /= transientHistory;
+        const double now = power[static_cast<std::size_t>(l + transientHistory)];
+        const double rise = now / (before + silence * m_tables.m);
+        if (rise > bestRise && now > silence * m_tables.m * 1e3) {
+            bestRise = rise;
+            best = l;
+        }
+    }
+    return best;
+}
+
+void SbrFrameAnalyser::placeAroundTransient(SbrFrame& frame, int transient) const
+{
+    const int first = frame.borders.front();
+    const int last = frame.borders.back();
+    // A border on an odd distance from both ends cannot be coded; one slot earlier can.
+    for (int at = transient; at > first; --at) {
+        const std::vector<int> leading = stepsOf(at - first);
+        const std::vector<int> trailing = stepsOf(last - at);
+        if (!leading.empty()) {
+            frame.leadingLengths = leading;
+            frame.borders = {first};
+            for (int step : leading)
+                frame.borders.push_back(frame.borders.back() + step);
+            frame.borders.push_back(last);
+        } else if (!trailing.empty()) {
+            frame.trailingLengths = trailing;
+            frame.borders = {first, at};
+            for (std::size_t i = trailing.size() - 1; i > 0; --i)
+                frame.borders.push_back(frame.borders.back() + trailing[i]);
+            frame.borders.push_back(last);
+        } else {
+            continue;
+        }
+        // The pointer names the envelope that starts at the transient, counted from the end.
+        const int count = frame.envelopeCount();
+        const int index = static_cast<int>(
+            std::find(frame.borders.begin(), frame.borders.end(), at) - frame.borders.begin());
+        const int pointer = count + 1 - index;
+        if (pointer < (1 << std::bit_width(static_cast<unsigned>(count))))
+            frame.pointer = pointer;
+        return;
+    }
 }
 
 std::vector<int> SbrFrameAnalyser::chooseBorders(const Slot* slots) const

@@ -21,9 +21,13 @@ public:
     // Filter-bank slots per frame.
     static constexpr int slotsPerFrame = 32;
 
+    // Slots `analyse` looks at: the frame's own and the next frame's, to end the frame where a
+    // transient starts the next one.
+    static constexpr int slotsNeeded = 2 * slotsPerFrame;
+
     explicit SbrFrameAnalyser(const FrequencyTables& tables);
-    // `slots` holds the frame's 32 slots in order.
-    SbrFrame analyse(const Slot* slots) const;
+    // `slots` holds the frame's 32 slots and the next frame's 32, in order.
+    SbrFrame analyse(const Slot* slots);
 
     // The quantised level (1.5 dB steps, 0…127) a decoder turns into mean subband power
     // `power` of our filter bank.
@@ -31,11 +35,19 @@ public:
 
 private:
     std::vector<int> chooseBorders(const Slot* slots) const;
+    // Where the high band's power jumps, in frame time slots from `firstSlot` on (filter-bank
+    // slots), or -1.
+    int transientAt(const std::vector<double>& power, int firstSlot, int endSlot) const;
+    void placeAroundTransient(SbrFrame& frame, int transient) const;
     std::vector<int> envelope(const Slot* slots, int firstSlot, int endSlot) const;
     void measureNoise(const Slot* slots, SbrFrame& frame) const;
     static double predictionErrorRatio(const Slot* slots, int count, int subband);
 
     FrequencyTables m_tables;
+    // Where this frame's first envelope starts (the previous frame's last ran on to it).
+    int m_leadingBorder = 0;
+    // The high band's power in the slots just before this frame.
+    std::vector<double> m_earlierPower;
 };
 
 } // namespace Platform::Sbr
