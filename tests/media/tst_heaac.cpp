@@ -147,6 +147,19 @@ private:
         return levels;
     }
 
+    // Low-band noise with a steady tone of `hertz` above it.
+    QString toneOverNoise(int rate, double hertz)
+    {
+        return makeSource(QStringLiteral("tone-%1-%2.wav").arg(rate).arg(hertz),
+                          QStringLiteral("anoisesrc=color=pink:amplitude=0.3:seed=13:r=%1,"
+                                         "lowpass=f=3000,lowpass=f=3000[n];"
+                                         "sine=f=%2:r=%1,volume=0.25[t];"
+                                         "[n][t]amix=inputs=2:normalize=0")
+                              .arg(rate)
+                              .arg(hertz),
+                          rate);
+    }
+
 private slots:
     void initTestCase()
     {
@@ -328,6 +341,43 @@ private slots:
         qInfo("blocks of pre-echo per burst: %s", qPrintable(report.join(QLatin1Char(' '))));
         QCOMPARE(report.size(), 5);
         QVERIFY2(worst <= 2, qPrintable(report.join(QLatin1Char(' '))));
+    }
+
+    void aloneToneInTheHighBandStaysATone()
+    {
+        constexpr int rate = 48000;
+        const std::optional<Sbr::EncoderPlan> plan = Sbr::EncoderPlan::make(rate, 1, false, 32000);
+        QVERIFY(plan);
+        // A band in the middle of the replicated range, the tone on its middle subband.
+        const std::vector<int>& bands = plan->tables.high;
+        const std::size_t band = bands.size() / 2;
+        const int middle = (bands[band] + bands[band + 1]) / 2;
+        const double hertz = (middle + 0.5) * rate / 128.0;
+        const QString source = toneOverNoise(rate, hertz);
+        QVERIFY(!source.isEmpty());
+        const QString target = path(QStringLiteral("tone.m4a"));
+        const std::optional<QString> failure = HeAacTest::write(
+            source, target, FileType::appleM4A,
+            HeAacTest::highEfficiency(AudioFormatId::mpeg4AACHighEfficiency, rate, 1, 32000));
+        QVERIFY2(!failure, qPrintable(failure.value_or(QString())));
+        const TestSupport::DecodedAudio original = Fixtures::decode(source);
+        const TestSupport::DecodedAudio decoded = Fixtures::decode(target);
+        const qint64 first = rate / 4;
+        const std::vector<double> wanted =
+            HeAacTest::spectrum(original, 0, first, original.frameCount() - rate / 4);
+        const std::vector<double> got =
+            HeAacTest::spectrum(decoded, 0, first, decoded.frameCount() - rate / 4);
+        const double low = bands[band] * rate / 128.0;
+        const double high = bands[band + 1] * rate / 128.0;
+        // The tone's own bins against the whole band: a tone keeps nearly all the band's power
+        // there, noise spreads it.
+        const double toneWanted = HeAacTest::bandLevel(wanted, rate, hertz - 60.0, hertz + 60.0);
+        const double toneGot = HeAacTest::bandLevel(got, rate, hertz - 60.0, hertz + 60.0);
+        const double bandGot = HeAacTest::bandLevel(got, rate, low, high);
+        qInfo("tone at %.0f Hz: source %.1f dB, decoded %.1f dB of a band of %.1f dB", hertz,
+              toneWanted, toneGot, bandGot);
+        QVERIFY2(bandGot - toneGot < 1.0, "the band's power is not in the tone");
+        QVERIFY(std::abs(toneGot - toneWanted) <= 3.0);
     }
 };
 

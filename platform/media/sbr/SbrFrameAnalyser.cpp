@@ -16,6 +16,13 @@ constexpr double levelScale = 64.0 * 32768.0 * 32768.0;
 constexpr double splitRatio = 2.8;
 // Below this mean subband power a band is silent.
 constexpr double silence = 1e-12;
+// A subband whose prediction error is below this share of its power holds a steady tone (a
+// steady tone measures 0.06 over one frame).
+constexpr double toneError = 0.1;
+// ...and the tone stands alone when it holds this share of its band's power.
+constexpr double toneShare = 0.6;
+// A copied subband this noisy cannot stand in for a tone.
+constexpr double noisySource = 0.1;
 // A slot whose high band holds this many times the mean of the slots before it starts a
 // transient.
 constexpr double transientRise = 8.0;
@@ -89,6 +96,7 @@ SbrFrame SbrFrameAnalyser::analyse(const Slot* slots)
                                            2 * frame.borders[static_cast<std::size_t>(e) + 1]));
     }
     measureNoise(slots, frame);
+    findSinusoids(slots, frame);
     m_leadingBorder = trailing;
     m_earlierPower.assign(power.begin() + transientHistory + slotsPerFrame - transientHistory,
                           power.begin() + transientHistory + slotsPerFrame);
@@ -229,6 +237,45 @@ void SbrFrameAnalyser::measureNoise(const Slot* slots, SbrFrame& frame) const
         frame.inverseFiltering.push_back(gap > 0.6 ? 3 : gap > 0.35 ? 2 : gap > 0.15 ? 1 : 0);
     }
     frame.noiseFloors.assign(static_cast<std::size_t>(frame.noiseEnvelopeCount()), floors);
+}
+
+void SbrFrameAnalyser::findSinusoids(const Slot* slots, SbrFrame& frame) const
+{
+    const std::vector<int>& borders = m_tables.bands(true);
+    const int bandCount = m_tables.bandCount(true);
+    std::vector<bool> flags(static_cast<std::size_t>(bandCount), false);
+    bool any = false;
+    for (int band = 0; band < bandCount; ++band) {
+        const int first = borders[static_cast<std::size_t>(band)];
+        const int end = borders[static_cast<std::size_t>(band) + 1];
+        std::vector<double> power;
+        for (int k = first; k < end; ++k) {
+            double sum = 0.0;
+            for (int l = 0; l < slotsPerFrame; ++l)
+                sum += std::norm(slots[l][static_cast<std::size_t>(k)]);
+            power.push_back(sum);
+        }
+        const auto strongest = std::max_element(power.begin(), power.end());
+        const int peak = first + static_cast<int>(strongest - power.begin());
+        double total = silence;
+        for (double value : power)
+            total += value;
+        // A tone between two subbands shares itself between them.
+        double share = *strongest;
+        if (peak > first)
+            share = std::max(share, *strongest + power[static_cast<std::size_t>(peak - first - 1)]);
+        if (peak + 1 < end)
+            share = std::max(share, *strongest + power[static_cast<std::size_t>(peak - first + 1)]);
+        if (share < toneShare * total || *strongest < silence * slotsPerFrame * 1e3)
+            continue;
+        if (predictionErrorRatio(slots, slotsPerFrame, peak) > toneError ||
+            predictionErrorRatio(slots, slotsPerFrame, m_tables.sourceOf(peak)) < noisySource)
+            continue;
+        flags[static_cast<std::size_t>(band)] = true;
+        any = true;
+    }
+    if (any)
+        frame.sinusoids = flags;
 }
 
 } // namespace Platform::Sbr

@@ -41,6 +41,9 @@ private:
     void placeAroundTransient(SbrFrame& frame, int transient) const;
     std::vector<int> envelope(const Slot* slots, int firstSlot, int endSlot) const;
     void measureNoise(const Slot* slots, SbrFrame& frame) const;
+    // Flags the bands where a steady tone stands alone that copying the low band would not
+    // bring; a decoder then puts the band's power into a sine on its middle subband.
+    void findSinusoids(const Slot* slots, SbrFrame& frame) const;
     static double predictionErrorRatio(const Slot* slots, int count, int subband);
 
     FrequencyTables m_tables;
