@@ -69,24 +69,38 @@ std::vector<float> makePrototype()
     return result;
 }
 
+constexpr int folded = 2 * QmfAnalysis::bands;
+
 struct Tables
 {
     std::vector<float> prototype = makePrototype();
-    // cos and sin of the modulation, by band and folded position.
-    std::vector<float> cosines;
-    std::vector<float> sines;
+    // The modulation as a 128-point transform: input twiddles, output twiddles (with the
+    // window centre's phase), bit-reversed order and the transform's own twiddles.
+    std::vector<std::complex<float>> before;
+    std::vector<std::complex<float>> after;
+    std::vector<int> reversed;
+    std::vector<std::complex<float>> roots;
 
     Tables()
     {
-        constexpr int folded = 2 * QmfAnalysis::bands;
+        // X_k = sum_j z_j exp(-i pi (k + 1/2)(j - c) / 64), c = 319.5, split into a plain
+        // 128-point transform between two twiddles.
+        for (int j = 0; j < folded; ++j)
+            before.push_back(std::polar(1.0f, static_cast<float>(-std::numbers::pi * j / folded)));
         for (int k = 0; k < QmfAnalysis::bands; ++k) {
-            for (int j = 0; j < folded; ++j) {
-                const double phase = -std::numbers::pi * (k + 0.5) *
-                                     (j - QmfAnalysis::centreDelay) / QmfAnalysis::bands;
-                cosines.push_back(static_cast<float>(std::cos(phase)));
-                sines.push_back(static_cast<float>(std::sin(phase)));
-            }
+            const double phase =
+                std::numbers::pi * (k + 0.5) * QmfAnalysis::centreDelay / QmfAnalysis::bands;
+            after.push_back(std::polar(1.0f, static_cast<float>(phase)));
         }
+        for (int j = 0; j < folded; ++j) {
+            int r = 0;
+            for (int bit = 0; bit < 7; ++bit)
+                r |= ((j >> bit) & 1) << (6 - bit);
+            reversed.push_back(r);
+        }
+        for (int j = 0; j < folded / 2; ++j)
+            roots.push_back(
+                std::polar(1.0f, static_cast<float>(-2.0 * std::numbers::pi * j / folded)));
     }
 };
 
@@ -116,7 +130,7 @@ void QmfAnalysis::process(const float* samples, std::array<std::complex<float>, 
     const Tables& shared = tables();
     // Oldest-first view: element taps-1-n is the sample n steps back.
     const float* window = m_history.data() + m_position;
-    constexpr int folded = 2 * bands;
+    std::array<std::complex<float>, folded> values;
     for (int j = 0; j < folded; ++j) {
         float sum = 0.0f;
         for (int block = 0; block < taps / folded; ++block) {
@@ -125,19 +139,24 @@ void QmfAnalysis::process(const float* samples, std::array<std::complex<float>, 
                 window[taps - 1 - n] * shared.prototype[static_cast<std::size_t>(n)];
             sum += (block % 2 == 0) ? value : -value;
         }
-        m_folded[static_cast<std::size_t>(j)] = sum;
+        values[static_cast<std::size_t>(shared.reversed[static_cast<std::size_t>(j)])] =
+            sum * shared.before[static_cast<std::size_t>(j)];
     }
-    for (int k = 0; k < bands; ++k) {
-        const float* cosines = shared.cosines.data() + static_cast<std::ptrdiff_t>(k) * folded;
-        const float* sines = shared.sines.data() + static_cast<std::ptrdiff_t>(k) * folded;
-        float real = 0.0f;
-        float imaginary = 0.0f;
-        for (int j = 0; j < folded; ++j) {
-            real += m_folded[static_cast<std::size_t>(j)] * cosines[j];
-            imaginary += m_folded[static_cast<std::size_t>(j)] * sines[j];
+    for (int length = 2; length <= folded; length *= 2) {
+        const int stride = folded / length;
+        for (int start = 0; start < folded; start += length) {
+            for (int k = 0; k < length / 2; ++k) {
+                const std::size_t a = static_cast<std::size_t>(start + k);
+                const std::size_t b = a + static_cast<std::size_t>(length / 2);
+                const std::complex<float> twisted =
+                    values[b] * shared.roots[static_cast<std::size_t>(k * stride)];
+                values[b] = values[a] - twisted;
+                values[a] += twisted;
+            }
         }
-        slot[static_cast<std::size_t>(k)] = {real, imaginary};
     }
+    for (std::size_t k = 0; k < slot.size(); ++k)
+        slot[k] = values[k] * shared.after[k];
 }
 
 } // namespace Platform::Sbr

@@ -25,7 +25,6 @@ public:
 private:
     std::vector<float> m_history;
     int m_position = 0;
-    std::array<float, 2 * bands> m_folded{};
 };
 
 } // namespace Platform::Sbr
