@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 namespace Platform::Sbr {
 
@@ -46,31 +47,48 @@ SbrBitstream::SbrBitstream(const FrequencyTables& tables, const BandChoice& choi
 BitWriter SbrBitstream::write(std::vector<SbrFrame>& frames, bool withHeader,
                               const BitWriter& extension)
 {
+    static const Books levels{Codebook::envFreq15, Codebook::envTime15, 7, Codebook::envFreq30,
+                              Codebook::noiseTime};
+    static const Books balances{Codebook::balanceFreq15, Codebook::balanceTime15, 6,
+                                Codebook::balanceFreq30, Codebook::noiseBalanceTime};
+    const bool coupled = frames.size() == 2 && sameGrid(frames[0], frames[1]);
+    if (coupled != m_coupled) {
+        // Time differences would refer to levels of the other kind.
+        for (History& history : m_history)
+            history = History{};
+        m_coupled = coupled;
+    }
+    if (coupled)
+        couple(frames[0], frames[1]);
+
     BitWriter out;
     out.write(withHeader ? 1 : 0, 1);
     if (withHeader)
         writeHeader(out);
     std::vector<Coded> coded;
     for (std::size_t ch = 0; ch < frames.size(); ++ch)
-        coded.push_back(code(frames[ch], m_history[ch]));
+        coded.push_back(code(frames[ch], m_history[ch], coupled && ch == 1 ? balances : levels));
     out.write(0, 1); // no extra data bits
     if (frames.size() == 2)
-        out.write(0, 1); // channels coded apart
-    for (const SbrFrame& frame : frames)
-        writeGrid(out, frame);
+        out.write(coupled ? 1 : 0, 1);
+    writeGrid(out, frames[0]);
+    if (frames.size() == 2 && !coupled)
+        writeGrid(out, frames[1]);
     for (const Coded& channel : coded) {
         for (bool time : channel.envelopeInTime)
             out.write(time ? 1 : 0, 1);
         for (bool time : channel.noiseInTime)
             out.write(time ? 1 : 0, 1);
     }
-    for (const SbrFrame& frame : frames) {
-        for (int mode : frame.inverseFiltering)
+    for (std::size_t ch = 0; ch < (coupled ? 1 : frames.size()); ++ch) {
+        for (int mode : frames[ch].inverseFiltering)
             out.write(static_cast<std::uint32_t>(mode), 2);
     }
-    if (frames.size() == 1) {
-        out.append(coded[0].envelopes);
-        out.append(coded[0].noise);
+    if (frames.size() == 1 || coupled) {
+        for (const Coded& channel : coded) {
+            out.append(channel.envelopes);
+            out.append(channel.noise);
+        }
     } else {
         out.append(coded[0].envelopes);
         out.append(coded[1].envelopes);
@@ -84,6 +102,42 @@ BitWriter SbrBitstream::write(std::vector<SbrFrame>& frames, bool withHeader,
     }
     writeExtension(out, extension);
     return out;
+}
+
+bool SbrBitstream::sameGrid(const SbrFrame& first, const SbrFrame& second)
+{
+    return first.frameClass == second.frameClass && first.borders == second.borders &&
+           first.pointer == second.pointer && first.leadingLengths == second.leadingLengths &&
+           first.trailingLengths == second.trailingLengths &&
+           first.highResolution == second.highResolution;
+}
+
+void SbrBitstream::couple(SbrFrame& left, SbrFrame& right)
+{
+    // Levels are 2·log2 of power; the balance is the level difference around 24, halved.
+    for (std::size_t e = 0; e < left.envelopes.size(); ++e) {
+        for (std::size_t b = 0; b < left.envelopes[e].size(); ++b) {
+            const int l = left.envelopes[e][b];
+            const int r = right.envelopes[e][b];
+            const double mean = (std::exp2(l / 2.0) + std::exp2(r / 2.0)) / 2.0;
+            left.envelopes[e][b] =
+                std::clamp(static_cast<int>(std::lround(2.0 * std::log2(mean))), 0, 127);
+            right.envelopes[e][b] =
+                std::clamp(static_cast<int>(std::lround((24 + l - r) / 2.0)), 0, 24);
+        }
+    }
+    // Noise floors are 6 - log2 of the noise share; the balance is centred on 12, halved.
+    for (std::size_t e = 0; e < left.noiseFloors.size(); ++e) {
+        for (std::size_t b = 0; b < left.noiseFloors[e].size(); ++b) {
+            const int l = left.noiseFloors[e][b];
+            const int r = right.noiseFloors[e][b];
+            const double sum = std::exp2(6.0 - l) + std::exp2(6.0 - r);
+            left.noiseFloors[e][b] =
+                std::clamp(static_cast<int>(std::lround(7.0 - std::log2(sum))), 0, 30);
+            right.noiseFloors[e][b] =
+                std::clamp(static_cast<int>(std::lround((12 + r - l) / 2.0)), 0, 12);
+        }
+    }
 }
 
 void SbrBitstream::writeHeader(BitWriter& out) const
@@ -121,19 +175,19 @@ void SbrBitstream::writeGrid(BitWriter& out, const SbrFrame& frame)
         out.write(frame.highResolution ? 1 : 0, 1);
 }
 
-SbrBitstream::Coded SbrBitstream::code(SbrFrame& frame, History& history) const
+SbrBitstream::Coded SbrBitstream::code(SbrFrame& frame, History& history, const Books& books) const
 {
     Coded coded;
     for (std::vector<int>& envelope : frame.envelopes) {
         bool time = false;
-        codeLevels(envelope, history.envelope, 7, Codebook::envFreq15, Codebook::envTime15, time,
-                   coded.envelopes);
+        codeLevels(envelope, history.envelope, books.envelopeStartBits, books.envelopeFrequency,
+                   books.envelopeTime, time, coded.envelopes);
         coded.envelopeInTime.push_back(time);
         history.envelope = envelope;
     }
     for (std::vector<int>& floors : frame.noiseFloors) {
         bool time = false;
-        codeLevels(floors, history.noise, 5, Codebook::envFreq30, Codebook::noiseTime, time,
+        codeLevels(floors, history.noise, 5, books.noiseFrequency, books.noiseTime, time,
                    coded.noise);
         coded.noiseInTime.push_back(time);
         history.noise = floors;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the high band's side information of one raw data block: the header when asked, then
 // the single- or two-channel data with each envelope and noise floor coded as differences in
-// frequency or in time, whichever is shorter. Keeps the levels a decoder holds, to code the
+// frequency or in time, whichever is shorter; two channels with the same grid go as a level and a
+// balance. Keeps the levels a decoder holds, to code the
 // next frame's time differences against. One owner; any thread.
 #pragma once
 
@@ -36,10 +37,23 @@ private:
         std::vector<int> envelope;
         std::vector<int> noise;
     };
+    // How one channel's levels are coded: plain levels, or a coupled pair's balance.
+    struct Books
+    {
+        Codebook envelopeFrequency;
+        Codebook envelopeTime;
+        int envelopeStartBits;
+        Codebook noiseFrequency;
+        Codebook noiseTime;
+    };
 
     void writeHeader(BitWriter& out) const;
     static void writeGrid(BitWriter& out, const SbrFrame& frame);
-    Coded code(SbrFrame& frame, History& history) const;
+    Coded code(SbrFrame& frame, History& history, const Books& books) const;
+    static bool sameGrid(const SbrFrame& first, const SbrFrame& second);
+    // Turns a pair's levels into a level (in `left`) and a balance (in `right`, in the
+    // halved units it is coded in).
+    static void couple(SbrFrame& left, SbrFrame& right);
     static void codeLevels(std::vector<int>& values, const std::vector<int>& previous,
                            int startBits, Codebook frequencyBook, Codebook timeBook, bool& inTime,
                            BitWriter& out);
@@ -48,6 +62,7 @@ private:
     FrequencyTables m_tables;
     BandChoice m_choice;
     std::vector<History> m_history;
+    bool m_coupled = false;
 };
 
 } // namespace Platform::Sbr

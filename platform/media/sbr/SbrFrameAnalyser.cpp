@@ -121,6 +121,17 @@ int SbrFrameAnalyser::transientAt(const std::vector<double>& power, int firstSlo
             best = l;
         }
     }
+    if (best < 0)
+        return best;
+    // The filter bank's window sees a transient coming a few slots early, faintly; the onset
+    // is where the power reaches half of what it soon peaks at.
+    const int last = std::min(best + 4, static_cast<int>(power.size()) - transientHistory - 1);
+    double peak = 0.0;
+    for (int l = best; l <= last; ++l)
+        peak = std::max(peak, power[static_cast<std::size_t>(l + transientHistory)]);
+    while (best < std::min(last, endSlot - 1) &&
+           power[static_cast<std::size_t>(best + transientHistory)] < 0.5 * peak)
+        ++best;
     return best;
 }
 
