@@ -4,6 +4,7 @@
 #include "platform/media/sbr/AudioSpecificConfig.h"
 #include "platform/media/sbr/BitWriter.h"
 #include "platform/media/sbr/Codebooks.h"
+#include "platform/media/sbr/EncoderPlan.h"
 #include "platform/media/sbr/FrequencyTables.h"
 #include "platform/media/sbr/RawDataBlock.h"
 
@@ -80,6 +81,29 @@ private slots:
             }
         }
         QVERIFY(accepted > 100);
+    }
+
+    // Every rate the settings panel offers, at every output rate it offers, gets a plan whose
+    // core keeps most of the bits and whose high band starts above the core's low band.
+    void everyOfferedRateHasAPlan()
+    {
+        for (int rate : {44100, 48000, 96000}) {
+            for (int kilobits : {16, 24, 32, 48, 64, 128, 192, 256, 320}) {
+                for (int variant = 0; variant < 3; ++variant) {
+                    const bool stereoParameters = variant == 2;
+                    const int channels = variant == 0 ? 1 : 2;
+                    const std::optional<EncoderPlan> plan =
+                        EncoderPlan::make(rate, channels, stereoParameters, kilobits * 1000);
+                    QVERIFY(plan);
+                    QCOMPARE(plan->coreRate, rate / 2);
+                    QVERIFY(plan->coreBitRate > kilobits * 1000 / 2);
+                    QVERIFY(plan->crossoverHertz >= 3000);
+                    QVERIFY(plan->tables.k2 * rate / 128 > plan->crossoverHertz);
+                }
+            }
+        }
+        QVERIFY(!EncoderPlan::make(48000, 1, true, std::nullopt));
+        QVERIFY(!EncoderPlan::make(22050, 2, false, std::nullopt));
     }
 
     // Object type 5 with the core's rate index (24 kHz: 6), two channels, the output rate's
