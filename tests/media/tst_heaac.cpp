@@ -58,6 +58,17 @@ private:
                           rate);
     }
 
+    // Pink noise that swells and fades four times a second in both channels, like syllables.
+    QString speechLikeNoise(int rate)
+    {
+        return makeSource(QStringLiteral("speech-%1.wav").arg(rate),
+                          QStringLiteral("anoisesrc=color=pink:amplitude=0.4:seed=17:nb_samples=64:"
+                                         "r=%1,volume='0.05+0.95*pow(sin(PI*4*t),2)':eval=frame,"
+                                         "pan=stereo|c0=c0|c1=0.7*c0")
+                              .arg(rate),
+                          rate);
+    }
+
     // Three sawtooth notes, rich in overtones right up the band.
     QString chord(int rate)
     {
@@ -229,6 +240,7 @@ private slots:
         QTest::newRow("pink noise 48k") << "pink" << 48000;
         QTest::newRow("chord 48k") << "chord" << 48000;
         QTest::newRow("chord 64k") << "chord" << 64000;
+        QTest::newRow("speech-like noise 32k") << "speech" << 32000;
     }
 
     void highBandFollowsTheSource()
@@ -236,7 +248,9 @@ private slots:
         QFETCH(QString, fixture);
         QFETCH(int, bitRate);
         constexpr int rate = 48000;
-        const QString source = fixture == QStringLiteral("pink") ? pinkNoise(rate) : chord(rate);
+        const QString source = fixture == QStringLiteral("pink")     ? pinkNoise(rate)
+                               : fixture == QStringLiteral("speech") ? speechLikeNoise(rate)
+                                                                     : chord(rate);
         QVERIFY(!source.isEmpty());
         const QString target = path(QStringLiteral("band-%1-%2.m4a").arg(fixture).arg(bitRate));
         const std::optional<QString> failure = HeAacTest::write(
