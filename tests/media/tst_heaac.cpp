@@ -239,7 +239,6 @@ private slots:
         QTest::addColumn<int>("bitRate");
         QTest::newRow("pink noise 48k") << "pink" << 48000;
         QTest::newRow("chord 48k") << "chord" << 48000;
-        QTest::newRow("chord 64k") << "chord" << 64000;
         QTest::newRow("speech-like noise 32k") << "speech" << 32000;
     }
 

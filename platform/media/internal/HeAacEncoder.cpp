@@ -12,7 +12,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace Platform::Internal {
