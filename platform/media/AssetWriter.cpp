@@ -4,6 +4,7 @@
 #include "platform/media/internal/AudioEncoder.h"
 #include "platform/media/internal/EncoderChoice.h"
 #include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/HeAacEncoder.h"
 #include "platform/media/internal/OpenOutputs.h"
 #include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
@@ -42,7 +43,7 @@ bool muxerStores(FileType type, AVCodecID codec)
     return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;
 }
 
-std::unique_ptr<Internal::AudioEncoder> audioEncoderFor(const Internal::InputState& input,
+std::unique_ptr<Internal::InputEncoder> audioEncoderFor(const Internal::InputState& input,
                                                         FileType type)
 {
     const std::optional<Internal::AudioEncoding> encoding =
@@ -52,6 +53,12 @@ std::unique_ptr<Internal::AudioEncoder> audioEncoderFor(const Internal::InputSta
     // WAV has no way to say big-endian.
     if (type == FileType::wave && encoding->bigEndian.value_or(false))
         return nullptr;
+    if (encoding->codec == Internal::EncodedCodec::heAac ||
+        encoding->codec == Internal::EncodedCodec::heAacV2) {
+        if (!Internal::HeAacEncoder::planFor(*encoding))
+            return nullptr;
+        return std::make_unique<Internal::HeAacEncoder>(*encoding);
+    }
     auto encoder = std::make_unique<Internal::AudioEncoder>(*encoding, type, input.sourceBitDepth);
     if (!muxerStores(type, encoder->codecId()))
         return nullptr;

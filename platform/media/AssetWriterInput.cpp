@@ -2,6 +2,7 @@
 #include "platform/media/AssetWriterInput.h"
 
 #include "platform/media/internal/AudioEncoder.h"
+#include "platform/media/internal/HeAacEncoder.h"
 #include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
@@ -101,10 +102,15 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
                 return false;
             encoder->encode(*buffer->imageBuffer(), offset, buffer->duration(), *writer);
         } else {
-            auto* encoder = dynamic_cast<Internal::AudioEncoder*>(m_state->encoder.get());
-            if (!encoder || buffer->imageBuffer())
+            if (buffer->imageBuffer())
                 return false;
-            encoder->encode(*buffer, offset, *writer);
+            if (auto* encoder = dynamic_cast<Internal::AudioEncoder*>(m_state->encoder.get()))
+                encoder->encode(*buffer, offset, *writer);
+            else if (auto* highEfficiency =
+                         dynamic_cast<Internal::HeAacEncoder*>(m_state->encoder.get()))
+                highEfficiency->encode(*buffer, offset, *writer);
+            else
+                return false;
         }
     } catch (const MediaError& error) {
         writer->fail(error);

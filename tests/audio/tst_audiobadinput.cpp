@@ -383,40 +383,6 @@ private slots:
         verifyUntouched(m_tone, hash);
     }
 
-    void heAacVariantsHaveNoEncoder_data()
-    {
-        QTest::addColumn<AudioCodec>("codec");
-        QTest::newRow("he-aac") << AudioCodec::heAac;
-        QTest::newRow("he-aac-v2") << AudioCodec::heAacV2;
-    }
-
-    void heAacVariantsHaveNoEncoder()
-    {
-        QFETCH(AudioCodec, codec);
-        QStringList lines;
-        const QByteArray hash = Fixtures::sha256(m_tone);
-        const AudioTest::Outcome outcome =
-            refuse(m_tone, &lines, AudioFormat::m4a,
-                   AudioTest::settingsFor(codec, SampleRate::rate48000, std::nullopt,
-                                          AudioBitrate::kbps64),
-                   QStringLiteral("refused.m4a"));
-        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
-        QCOMPARE(*outcome.conversionError,
-                 ConversionError::codecNotSupported(QStringLiteral("Encoder not found")));
-        QCOMPARE(outcome.conversionError->errorDescription(),
-                 QStringLiteral("Codec 'Encoder not found' is not supported on this system"));
-        QCOMPARE(outcome.conversionError->recoverySuggestion(),
-                 QStringLiteral("Try using a different codec or update your system."));
-        const QStringList tail{
-            QStringLiteral("update: Starting audio conversion... | Processing Audio | 0.25"),
-            QStringLiteral("stop: Failed to start audio writing"),
-            QStringLiteral("stop"),
-        };
-        QCOMPARE(lines.mid(lines.size() - 3), tail);
-        QVERIFY(!QFileInfo::exists(m_dir.filePath(QStringLiteral("refused.m4a"))));
-        verifyUntouched(m_tone, hash);
-    }
-
     void containerThatCannotCarryTheCodecRefusesTheInput()
     {
         QStringList lines;

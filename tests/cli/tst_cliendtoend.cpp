@@ -17,6 +17,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -316,6 +317,53 @@ private slots:
         QCOMPARE(probe.sampleRate, 44100);
         // An audio preset prints nothing of its own; only the window's first preset is told.
         QCOMPARE(result.out.count(QStringLiteral("Applying video preset")), 1);
+    }
+
+    // The factory DAB+ preset and both high-efficiency codecs of the codec option convert.
+    void highEfficiencyCodecsConvert_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("profile");
+        QTest::addColumn<int>("rate");
+        QTest::newRow("DAB+ preset")
+            << QStringList{QStringLiteral("--preset"), QStringLiteral("HE-AAC v2 24k/48 (DAB+)")}
+            << QStringLiteral("HE-AACv2") << 48000;
+        QTest::newRow("he-aac") << QStringList{QStringLiteral("--format"),
+                                               QStringLiteral("m4a"),
+                                               QStringLiteral("--audio-codec"),
+                                               QStringLiteral("he-aac"),
+                                               QStringLiteral("--sample-rate"),
+                                               QStringLiteral("44.1")}
+                                << QStringLiteral("HE-AAC") << 44100;
+        QTest::newRow("he-aac-v2")
+            << QStringList{QStringLiteral("--format"),        QStringLiteral("m4a"),
+                           QStringLiteral("--audio-codec"),   QStringLiteral("he-aac-v2"),
+                           QStringLiteral("--audio-bitrate"), QStringLiteral("16")}
+            << QStringLiteral("HE-AACv2") << 48000;
+    }
+
+    void highEfficiencyCodecsConvert()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QString, profile);
+        QFETCH(int, rate);
+        const Result result = run(
+            options + QStringList{QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
+                                  QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        const QStringList files = Fixtures::filesBelow(m_out);
+        QCOMPARE(files.size(), 1);
+        const QString output = m_out + QLatin1Char('/') + files.first();
+        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
+        QCOMPARE(probe.codecName, QStringLiteral("aac"));
+        QCOMPARE(probe.sampleRate, rate);
+        QCOMPARE(probe.channels, 2);
+        QVERIFY2(std::abs(probe.durationSeconds - 2.0) < 2048.0 / rate,
+                 qPrintable(QString::number(probe.durationSeconds)));
+        const QJsonArray streams =
+            Fixtures::probe(output).value(QStringLiteral("streams")).toArray();
+        QCOMPARE(streams.at(0).toObject().value(QStringLiteral("profile")).toString(), profile);
     }
 
     // The preset comes first wherever it stands; the options follow in their order, and only a

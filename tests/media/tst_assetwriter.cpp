@@ -337,30 +337,6 @@ private slots:
         QCOMPARE(writer.inputs().size(), std::size_t(1));
     }
 
-    void highEfficiencyAacHasNoEncoder_data()
-    {
-        QTest::addColumn<quint32>("formatId");
-        QTest::newRow("HE-AAC") << quint32(AudioFormatId::mpeg4AACHighEfficiency);
-        QTest::newRow("HE-AAC v2") << quint32(AudioFormatId::mpeg4AACHighEfficiencyV2);
-    }
-
-    void highEfficiencyAacHasNoEncoder()
-    {
-        QFETCH(quint32, formatId);
-        const QString path = target(QStringLiteral("he-%1.m4a").arg(formatId));
-        AssetWriter writer(path, FileType::appleM4A);
-        const AssetWriterInput input(MediaType::audio, codedSettings(formatId, 44100, 2));
-        QVERIFY(writer.canAdd(input));
-        writer.add(input);
-        QVERIFY(!writer.startWriting());
-        QCOMPARE(writer.status(), AssetWriter::Status::failed);
-        QVERIFY(writer.error().has_value());
-        QCOMPARE(writer.error()->code(), int(MediaError::encoderNotFound));
-        QCOMPARE(writer.error()->code(), -11834);
-        QVERIFY(!QFileInfo::exists(path));
-        QVERIFY(!input.isReadyForMoreMediaData());
-    }
-
     void statusFollowsTheWritersLife()
     {
         const QString path = target("life.wav");
