@@ -272,6 +272,19 @@ private slots:
         QCOMPARE(tags.value(QStringLiteral("date")).toString(),
                  QStringLiteral("2020-02-29T12:30:00Z"));
         QCOMPARE(QFileInfo(output).lastModified().toUTC(), date);
+
+        // In place, the date set on the temporary file stays with it when it replaces the source.
+        const Result inPlace =
+            run({QStringLiteral("cam.mov"), QStringLiteral("--format"), QStringLiteral("mov"),
+                 QStringLiteral("--resolution"), QStringLiteral("source"),
+                 QStringLiteral("--no-subfolders"), QStringLiteral("--no-settings-in-name"),
+                 QStringLiteral("--beside-source"), QStringLiteral("--yes"),
+                 QStringLiteral("--date"), QStringLiteral("2020-02-29T12:30:00Z")});
+        QCOMPARE(inPlace.err, QString());
+        QCOMPARE(inPlace.exitCode, 0);
+        QVERIFY(inPlace.out.contains(QStringLiteral("✅ Replaced original file: cam.mov")));
+        QCOMPARE(QFileInfo(camera).lastModified().toUTC(), date);
+        QCOMPARE(tagsOf(camera).value(QStringLiteral("make")).toString(), QStringLiteral("Acme"));
     }
 
     void ctrlCFinishesTheVideoInHand()
