@@ -324,7 +324,7 @@ QCoro::Task<> AssetWriterConversion::run(EnhancedProgressTracker* tracker, Platf
     }
     const bool needsUpsampling = arrangement == ReadingArrangement::upsampling;
 
-    VideoMetadataSteps::applyMetadataToWriter(*writer, inputURL, outputURL);
+    co_await VideoMetadataSteps::applyMetadataToWriter(*writer, inputURL, outputURL);
 
     tracker->updateProgress(0.25, QStringLiteral("Starting CRF conversion..."),
                             ConversionPhase::processingVideo);

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/metadata/PendingMetadataStore.h"
 
+#include "platform/foundation/PropertyList.h"
 #include "platform/foundation/UserDefaults.h"
 
-#include <QCborStreamReader>
-#include <QCborValue>
 #include <QFileInfo>
 
 namespace Ondrilet {
@@ -50,24 +49,12 @@ void PendingMetadataStore::remove(const QString& inputPath)
 
 QByteArray PendingMetadataStore::encode(const QCborMap& metadata)
 {
-    return metadata.toCborValue().toCbor();
+    return Platform::PropertyList::data(metadata);
 }
 
 std::optional<QCborMap> PendingMetadataStore::decode(const QByteArray& bytes)
 {
-    QCborStreamReader reader(bytes);
-    const QCborValue root = QCborValue::fromCbor(reader);
-    // Bytes after the map mean the entry is not what this store wrote.
-    if (reader.lastError() != QCborError::NoError || reader.currentOffset() != bytes.size())
-        return std::nullopt;
-    if (!root.isMap())
-        return std::nullopt;
-    const QCborMap map = root.toMap();
-    for (auto it = map.begin(); it != map.end(); ++it) {
-        if (!it.key().isString())
-            return std::nullopt;
-    }
-    return map;
+    return Platform::PropertyList::dictionary(bytes);
 }
 
 } // namespace Ondrilet

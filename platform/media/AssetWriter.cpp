@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QLoggingCategory>
+#include <QSet>
 #include <QtConcurrent/QtConcurrentRun>
 
 extern "C" {
@@ -81,6 +82,26 @@ std::unique_ptr<Internal::InputEncoder> encoderFor(const Internal::InputState& i
     if (input.mediaType == MediaType::video)
         return videoEncoderFor(input, type);
     return audioEncoderFor(input, type);
+}
+
+// The tags FFmpeg's muxer writes in each container's plain form; any other tag would be
+// dropped there without a word.
+bool keptAsPlainTag(FileType type, const QString& identifier)
+{
+    static const QSet<QString> movieTags{
+        QStringLiteral("title"),     QStringLiteral("artist"),  QStringLiteral("album"),
+        QStringLiteral("date"),      QStringLiteral("comment"), QStringLiteral("genre"),
+        QStringLiteral("copyright"), QStringLiteral("make"),    QStringLiteral("model"),
+        QStringLiteral("location"),  QStringLiteral("encoder"),
+    };
+    static const QSet<QString> mpeg4Tags{
+        QStringLiteral("title"),       QStringLiteral("artist"),   QStringLiteral("album_artist"),
+        QStringLiteral("composer"),    QStringLiteral("album"),    QStringLiteral("date"),
+        QStringLiteral("comment"),     QStringLiteral("genre"),    QStringLiteral("copyright"),
+        QStringLiteral("description"), QStringLiteral("keywords"), QStringLiteral("location"),
+        QStringLiteral("encoder"),
+    };
+    return (type == FileType::mpeg4 ? mpeg4Tags : movieTags).contains(identifier);
 }
 
 // Where a common tag goes among QuickTime metadata keys, which players read there.
@@ -176,18 +197,23 @@ bool AssetWriter::startWriting()
     const std::lock_guard lock(m_state->mutex);
     if (m_state->status() != Internal::WriterState::unknown)
         return false;
-    // Keys with a dot cannot live in QuickTime user data; once one is there, every tag is
-    // written as a metadata key, the common ones under the names players read.
+    // A tag the plain form would drop makes every tag a metadata key, the common ones under
+    // both their plain names and the QuickTime keys.
     bool keyed = false;
     for (const MetadataItem& item : m_metadata)
-        keyed = keyed || item.identifier.contains(QLatin1Char('.'));
+        keyed = keyed || (!item.identifier.isEmpty() && item.value.isValid() &&
+                          !keptAsPlainTag(m_state->fileType, item.identifier));
     m_state->keyedTags = keyed;
     m_state->tags.clear();
     for (const MetadataItem& item : m_metadata) {
         if (item.identifier.isEmpty() || !item.value.isValid())
             continue;
-        const QString key = keyed ? quickTimeKeyFor(item.identifier) : item.identifier;
-        m_state->tags.emplace_back(key.toUtf8(), textOf(item.value));
+        const QByteArray text = textOf(item.value);
+        m_state->tags.emplace_back(item.identifier.toUtf8(), text);
+        // Players built on FFmpeg look for the plain name, the others for the QuickTime key.
+        const QString quickTimeKey = quickTimeKeyFor(item.identifier);
+        if (keyed && quickTimeKey != item.identifier)
+            m_state->tags.emplace_back(quickTimeKey.toUtf8(), text);
     }
     try {
         m_state->start();

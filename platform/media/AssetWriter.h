@@ -55,11 +55,16 @@ public:
     std::vector<AssetWriterInput> inputs() const;
 
     // The file's tags, set before startWriting (MOV and MP4 only; other types ignore them).
-    // Common identifiers (title, artist, album, genre, date, composer, comment) go where
-    // players look; "org.ondrilet." + key and other dotted identifiers (QuickTime keys such as
-    // com.apple.quicktime.make) are written as QuickTime metadata keys under their own name,
-    // which Asset::metadata reads back the same; "location" reads back as "location". Values
-    // are written as text (a QDateTime in ISO 8601).
+    // While every identifier is a tag the container keeps in its plain form (QuickTime user
+    // data in MOV: title, artist, album, date, comment, genre, copyright, make, model,
+    // location; iTunes-style items in MP4: those without make and model, plus composer,
+    // album_artist, description, keywords), they go there, where players look. Any other
+    // identifier ("org.ondrilet." + key, a QuickTime key such as com.apple.quicktime.make, or
+    // "make" in MP4) switches every tag to QuickTime metadata keys under its own name, which
+    // Asset::metadata reads back the same; a common one is written a second time under its
+    // QuickTime key (com.apple.quicktime.title and its kin), so players of either kind find
+    // it. "location" reads back as "location" either way.
+    // Values are written as text (a QDateTime in ISO 8601).
     void setMetadata(std::vector<MetadataItem> items);
     const std::vector<MetadataItem>& metadata() const { return m_metadata; }
 

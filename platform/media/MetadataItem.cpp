@@ -34,4 +34,22 @@ QString MetadataItem::commonKeyFor(const QString& identifier)
     return commonKeys.value(identifier.toLower());
 }
 
+QString MetadataItem::identifierForCommonKey(const QString& commonKey)
+{
+    static const QHash<QString, QString> identifiers{
+        {QStringLiteral("title"), QStringLiteral("title")},
+        {QStringLiteral("artist"), QStringLiteral("artist")},
+        {QStringLiteral("albumName"), QStringLiteral("album")},
+        {QStringLiteral("subject"), QStringLiteral("genre")},
+        {QStringLiteral("creationDate"), QStringLiteral("date")},
+        {QStringLiteral("creator"), QStringLiteral("composer")},
+        {QStringLiteral("description"), QStringLiteral("comment")},
+        {QStringLiteral("copyrights"), QStringLiteral("copyright")},
+        {QStringLiteral("publisher"), QStringLiteral("publisher")},
+        {QStringLiteral("software"), QStringLiteral("encoder")},
+        {QStringLiteral("language"), QStringLiteral("language")},
+    };
+    return identifiers.value(commonKey);
+}
+
 } // namespace Platform

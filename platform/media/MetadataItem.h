@@ -20,6 +20,10 @@ struct MetadataItem
     // (comment), "copyrights", "publisher", "software" (encoder), "language"; empty otherwise.
     // Case does not matter.
     static QString commonKeyFor(const QString& identifier);
+    // The identifier a writer is given for a common key, the inverse of commonKeyFor's plain
+    // tags: "title", "artist", "album", "genre", "date", "composer", "comment", "copyright",
+    // "publisher", "encoder", "language"; empty for a key that is not common.
+    static QString identifierForCommonKey(const QString& commonKey);
 };
 
 } // namespace Platform

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // ondrilet-cli converting real video files made by ffmpeg: the video options reach the file
 // (container, codec, size, rate), names with and without the settings, in-place replacement, the
-// overwrite rule, two files in a row, sound taken out of a video by the audio engine, and Ctrl-C
-// once (finish the file in hand) and twice (quit, removing the unfinished output).
+// overwrite rule, two files in a row, sound taken out of a video by the audio engine, a camera's
+// tags and the typed ones in the output, and Ctrl-C once (finish the file in hand) and twice
+// (quit, removing the unfinished output).
 #include "tests/support/Fixtures.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QProcess>
@@ -216,6 +219,72 @@ private slots:
         QCOMPARE(m4a.size(), 1);
         QVERIFY(
             firstStream(m_out + QLatin1Char('/') + m4a.first(), QStringLiteral("video")).isEmpty());
+    }
+
+    void theCamerasDetailsAndTheTypedTagsReachTheVideo()
+    {
+        const QString camera = Fixtures::makeVideo(
+            m_work, QStringLiteral("cam.mov"), 1.0, false,
+            {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-metadata",
+             "title=Holiday", "-metadata", "make=Acme", "-metadata", "model=Shooter 7", "-metadata",
+             "location=+48.8577+002.2950/"});
+        QVERIFY2(!camera.isEmpty(), qPrintable(Fixtures::lastError()));
+        const QStringList common{QStringLiteral("cam.mov"),
+                                 QStringLiteral("--format"),
+                                 QStringLiteral("mp4"),
+                                 QStringLiteral("--resolution"),
+                                 QStringLiteral("source"),
+                                 QStringLiteral("--no-subfolders"),
+                                 QStringLiteral("--no-settings-in-name"),
+                                 QStringLiteral("--output-dir"),
+                                 m_out};
+        const auto tagsOf = [](const QString& path) {
+            return Fixtures::probe(path)
+                .value(QStringLiteral("format"))
+                .toObject()
+                .value(QStringLiteral("tags"))
+                .toObject();
+        };
+        const QString output = m_out + QStringLiteral("/cam.mp4");
+
+        // The camera's details come through; its title does not.
+        const Result plain = run(common);
+        QCOMPARE(plain.err, QString());
+        QCOMPARE(plain.exitCode, 0);
+        QJsonObject tags = tagsOf(output);
+        QCOMPARE(tags.value(QStringLiteral("make")).toString(), QStringLiteral("Acme"));
+        QCOMPARE(tags.value(QStringLiteral("model")).toString(), QStringLiteral("Shooter 7"));
+        QCOMPARE(tags.value(QStringLiteral("location")).toString(),
+                 QStringLiteral("+48.8577+002.2950/"));
+        QVERIFY(!tags.contains(QStringLiteral("title")));
+
+        // The date stores the edits typed before it, and the run waits for that store.
+        const QDateTime date(QDate(2020, 2, 29), QTime(12, 30), Qt::UTC);
+        const Result edited =
+            run(common + QStringList{QStringLiteral("--overwrite"), QStringLiteral("--title"),
+                                     QStringLiteral("Harbour"), QStringLiteral("--date"),
+                                     QStringLiteral("2020-02-29T12:30:00Z")});
+        QCOMPARE(edited.err, QString());
+        QCOMPARE(edited.exitCode, 0);
+        tags = tagsOf(output);
+        QCOMPARE(tags.value(QStringLiteral("title")).toString(), QStringLiteral("Harbour"));
+        QCOMPARE(tags.value(QStringLiteral("make")).toString(), QStringLiteral("Acme"));
+        QCOMPARE(tags.value(QStringLiteral("date")).toString(),
+                 QStringLiteral("2020-02-29T12:30:00Z"));
+        QCOMPARE(QFileInfo(output).lastModified().toUTC(), date);
+
+        // In place, the date set on the temporary file stays with it when it replaces the source.
+        const Result inPlace =
+            run({QStringLiteral("cam.mov"), QStringLiteral("--format"), QStringLiteral("mov"),
+                 QStringLiteral("--resolution"), QStringLiteral("source"),
+                 QStringLiteral("--no-subfolders"), QStringLiteral("--no-settings-in-name"),
+                 QStringLiteral("--beside-source"), QStringLiteral("--yes"),
+                 QStringLiteral("--date"), QStringLiteral("2020-02-29T12:30:00Z")});
+        QCOMPARE(inPlace.err, QString());
+        QCOMPARE(inPlace.exitCode, 0);
+        QVERIFY(inPlace.out.contains(QStringLiteral("✅ Replaced original file: cam.mov")));
+        QCOMPARE(QFileInfo(camera).lastModified().toUTC(), date);
+        QCOMPARE(tagsOf(camera).value(QStringLiteral("make")).toString(), QStringLiteral("Acme"));
     }
 
     void ctrlCFinishesTheVideoInHand()

@@ -66,6 +66,22 @@ private slots:
         QCOMPARE(MetadataItem::commonKeyFor("handler_name"), QString());
     }
 
+    void identifiersForTheCommonKeys()
+    {
+        for (const char* common :
+             {"title", "artist", "albumName", "subject", "creationDate", "creator", "description",
+              "copyrights", "publisher", "software", "language"}) {
+            const QString identifier = MetadataItem::identifierForCommonKey(common);
+            QVERIFY2(!identifier.isEmpty(), common);
+            QCOMPARE(MetadataItem::commonKeyFor(identifier), QString::fromLatin1(common));
+        }
+        QCOMPARE(MetadataItem::identifierForCommonKey("subject"), QStringLiteral("genre"));
+        QCOMPARE(MetadataItem::identifierForCommonKey("creator"), QStringLiteral("composer"));
+        QCOMPARE(MetadataItem::identifierForCommonKey("description"), QStringLiteral("comment"));
+        QCOMPARE(MetadataItem::identifierForCommonKey("creationDate"), QStringLiteral("date"));
+        QCOMPARE(MetadataItem::identifierForCommonKey("make"), QString());
+    }
+
     void containerTagsInOrderWithACreationDate()
     {
         const QString path = tone(

@@ -521,11 +521,22 @@ private slots:
         QTest::addColumn<int>("fileType");
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("custom");
+        QTest::addColumn<QStringList>("plainNames");
         QTest::newRow("mov with custom keys")
-            << int(FileType::quickTimeMovie) << "tags.mov" << true;
-        QTest::newRow("mp4 with custom keys") << int(FileType::mpeg4) << "tags.mp4" << true;
-        QTest::newRow("mov plain") << int(FileType::quickTimeMovie) << "plain-tags.mov" << false;
-        QTest::newRow("mp4 plain") << int(FileType::mpeg4) << "plain-tags.mp4" << false;
+            << int(FileType::quickTimeMovie) << "tags.mov" << true << QStringList();
+        QTest::newRow("mp4 with custom keys")
+            << int(FileType::mpeg4) << "tags.mp4" << true << QStringList();
+        QTest::newRow("mov plain")
+            << int(FileType::quickTimeMovie) << "plain-tags.mov" << false << QStringList();
+        QTest::newRow("mp4 plain")
+            << int(FileType::mpeg4) << "plain-tags.mp4" << false << QStringList();
+        // Tags one container keeps plainly and the other would drop.
+        QTest::newRow("mov with a camera's make and a composer")
+            << int(FileType::quickTimeMovie) << "camera.mov" << false
+            << QStringList{"make", "model", "composer"};
+        QTest::newRow("mp4 with a camera's make and a composer")
+            << int(FileType::mpeg4) << "camera.mp4" << false
+            << QStringList{"make", "model", "composer"};
     }
 
     void metadataReadsBackTheSame()
@@ -533,6 +544,7 @@ private slots:
         QFETCH(int, fileType);
         QFETCH(QString, name);
         QFETCH(bool, custom);
+        QFETCH(QStringList, plainNames);
         const QString path = target(name);
         AssetWriter writer(path, FileType(fileType));
         AssetWriterInput input(MediaType::video, videoSettings(VideoCodecName::h264, 320, 240));
@@ -545,6 +557,8 @@ private slots:
             items.push_back({"org.ondrilet.albumArtist", "", QString("Someone")});
             items.push_back({"com.apple.quicktime.make", "", QString("Acme")});
         }
+        for (const QString& plainName : plainNames)
+            items.push_back({plainName, "", QString("value of " + plainName)});
         writer.setMetadata(items);
         QVERIFY(writer.startWriting());
         writer.startSession(MediaTime::zero());
@@ -583,6 +597,15 @@ private slots:
             QVERIFY(make);
             QCOMPARE(make->value.toString(), QString("Acme"));
         }
+        for (const QString& plainName : plainNames) {
+            const auto item = find([&plainName](const MetadataItem& candidate) {
+                return candidate.identifier == plainName;
+            });
+            QVERIFY2(item, qPrintable(plainName));
+            QCOMPARE(item->value.toString(), QString("value of " + plainName));
+        }
+        // Players built on FFmpeg find the title under its plain name in every case.
+        QVERIFY(find([](const MetadataItem& item) { return item.identifier == "title"; }));
     }
 
     void compositionIntoWriter()
