@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Encodes sample buffers for one audio writer input: converts each buffer once, straight into
-// the encoder's frame (rate changes through the soxr resampler), and hands every packet to the
-// muxer at once. Frames are reused. Called under the writer's lock.
+// the encoder's frame (rate changes through the soxr resampler), or for PCM straight into the
+// stream's bytes, and hands the packets to the muxer. Frames are reused. AAC and ALAC alone in
+// their file are encoded on every core (ChunkEncoderPool) and muxed in order. Called under the
+// writer's lock.
 #pragma once
 
 #include "platform/media/FileType.h"
@@ -10,11 +12,16 @@
 #include "platform/media/internal/EncoderChoice.h"
 #include "platform/media/internal/FfmpegPointers.h"
 #include "platform/media/internal/InputEncoder.h"
+#include "platform/media/internal/PcmPacker.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace Platform::Internal {
+
+class ChunkEncoderPool;
+struct EncodeChunk;
 
 class AudioEncoder : public InputEncoder
 {
@@ -26,6 +33,10 @@ public:
     AudioEncoder(const AudioEncoding& encoding, FileType fileType, int sourceBitDepth);
     ~AudioEncoder() override;
 
+    // Whether the stream may be encoded on several cores: only when it is the file's one
+    // stream (beside a video encoder the cores are taken). Before open.
+    void setParallelAllowed(bool allowed) { m_parallelAllowed = allowed; }
+
     void open(AVFormatContext* muxer) override;
     // Encodes `buffer`, whose first frame belongs at `sessionOffset` after the session start
     // (used for the first buffer only: later ones follow on without gaps). Throws MediaError.
@@ -36,6 +47,19 @@ public:
     AVCodecID codecId() const { return m_codecId; }
 
 private:
+    void setUpParallel();
+    // A second encoder set up as the first one (for a worker of the pool).
+    CodecContextPtr cloneContext() const;
+    void writeToFile(AVPacket* packet, PacketWriter& writer);
+    // The frames chunk `sequence` holds, and where its first one lies in the stream.
+    int chunkCapacity(std::int64_t sequence) const;
+    std::int64_t chunkFirstFrame(std::int64_t sequence) const;
+    void describeChunk(EncodeChunk& chunk, std::int64_t sequence, bool last) const;
+    // The frame being filled is full: moves on, handing a full chunk to the pool.
+    void advanceChunk(PacketWriter& writer);
+    void finishParallel(PacketWriter& writer);
+    void packPcm(const float* input, int frames, PacketWriter& writer);
+    void writePcmPacket(int frames, PacketWriter& writer);
     void configureResampler(const SampleBuffer& buffer);
     void prepareFrame();
     std::uint8_t** framePlanesAt(int frameOffset);
@@ -69,6 +93,27 @@ private:
     bool m_started = false;
     bool m_finished = false;
     std::int64_t m_nextPts = 0;
+    // The frame being filled: m_frame, or a frame of the chunk in hand.
+    AVFrame* m_fill = nullptr;
+
+    // PCM: bytes of the packet being filled, written without an encoder.
+    PcmPacker m_packer;
+    std::vector<std::uint8_t> m_pcmBytes;
+    // The format the converter delivers: the encoder's, or interleaved float for PCM.
+    AVSampleFormat m_convertFormat = AV_SAMPLE_FMT_NONE;
+
+    // Parallel encoding: segments of m_segmentFrames frames; AAC adds m_prerollFrames before
+    // and m_postrollFrames after each, whose packets are dropped.
+    bool m_parallelAllowed = false;
+    std::unique_ptr<ChunkEncoderPool> m_pool;
+    EncodeChunk* m_chunk = nullptr;
+    std::int64_t m_chunkSequence = 0;
+    int m_chunkFrame = 0;
+    int m_segmentFrames = 0;
+    int m_prerollFrames = 0;
+    int m_postrollFrames = 0;
+    std::int64_t m_ptsBase = 0;
+    AVFormatContext* m_muxer = nullptr;
 };
 
 } // namespace Platform::Internal
