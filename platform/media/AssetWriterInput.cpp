@@ -104,7 +104,7 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
             auto* encoder = dynamic_cast<Internal::AudioEncoder*>(m_state->encoder.get());
             if (!encoder || buffer->imageBuffer())
                 return false;
-            encoder->encode(*buffer, offset, *writer);
+            encoder->encode(buffer, offset, *writer);
         }
     } catch (const MediaError& error) {
         writer->fail(error);

@@ -387,6 +387,76 @@ private slots:
                  Fixtures::probeAudio(serial).bitsPerSample);
     }
 
+    // PCM is packed without an encoder, and on a thread of its own across a rate change: the
+    // samples are those FFmpeg's own conversion gives, loud peaks clipped the same way.
+    void pcmIsPackedAsFfmpegConvertsIt_data()
+    {
+        QTest::addColumn<int>("workers");
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<int>("outputRate");
+        QTest::addColumn<int>("bits");
+        QTest::addColumn<QStringList>("ffmpegArguments");
+        for (const int workers : {1, 2}) {
+            const QByteArray split = workers == 1 ? " serial" : " on a thread";
+            QTest::newRow("wav 16" + split)
+                << workers << "wav" << rate << 16 << QStringList{"-c:a", "pcm_s16le"};
+            QTest::newRow("aiff 24" + split)
+                << workers << "aiff" << rate << 24 << QStringList{"-c:a", "pcm_s24be"};
+            QTest::newRow("wav 32" + split)
+                << workers << "wav" << rate << 32 << QStringList{"-c:a", "pcm_s32le"};
+            QTest::newRow("wav 16 at 44.1 kHz" + split)
+                << workers << "wav" << 44100 << 16
+                << QStringList{"-af",      "aresample=resampler=soxr", "-ar", "44100", "-c:a",
+                               "pcm_s16le"};
+        }
+    }
+
+    void pcmIsPackedAsFfmpegConvertsIt()
+    {
+        QFETCH(int, workers);
+        QFETCH(QString, extension);
+        QFETCH(int, outputRate);
+        QFETCH(int, bits);
+        QFETCH(QStringList, ffmpegArguments);
+        const QString source = path("loud.wav");
+        if (!QFileInfo::exists(source))
+            QVERIFY(!makeFixture("loud.wav", {"-f", "lavfi", "-i",
+                                              "aevalsrc='1.3*sin(2*PI*187*t)|0.9*sin(2*PI*61*t)':"
+                                              "s=48000:d=1.5",
+                                              "-c:a", "pcm_f32le"})
+                         .isEmpty());
+        const QString ours = path(QStringLiteral("ours-%1-%2-%3.%4")
+                                      .arg(workers)
+                                      .arg(bits)
+                                      .arg(outputRate)
+                                      .arg(extension));
+        const QString theirs = ours + QStringLiteral(".ffmpeg.") + extension;
+        const SettingsDictionary settings{
+            {SettingsKey::formatId, QVariant::fromValue(AudioFormatId::linearPCM)},
+            {SettingsKey::sampleRate, QVariant::fromValue(float(outputRate))},
+            {SettingsKey::numberOfChannels, 2},
+            {SettingsKey::linearPCMBitDepth, bits},
+            {SettingsKey::linearPCMIsBigEndian, extension == QLatin1String("aiff")},
+            {SettingsKey::linearPCMIsFloat, false},
+            {SettingsKey::linearPCMIsNonInterleaved, false},
+        };
+        {
+            const EncodeSplit split(workers, segmentSeconds);
+            QCOMPARE(convert(source, ours,
+                             extension == QLatin1String("aiff") ? FileType::aiff : FileType::wave,
+                             settings)
+                         .status,
+                     AssetWriter::Status::completed);
+        }
+        QVERIFY(
+            Fixtures::runFfmpeg(QStringList{"-i", source} + ffmpegArguments + QStringList{theirs}));
+        const DecodedAudio ourSound = Fixtures::decode(ours);
+        const DecodedAudio theirSound = Fixtures::decode(theirs);
+        QCOMPARE(ourSound.sampleRate, outputRate);
+        QCOMPARE(ourSound.frameCount(), theirSound.frameCount());
+        QVERIFY(ourSound.samples == theirSound.samples);
+    }
+
     // Cancelled while chunks are still being encoded: nothing is left, nothing hangs, and the
     // input takes no more data.
     void cancellingInTheMiddleRemovesTheFile()

@@ -4,6 +4,7 @@
 #include "platform/media/MediaError.h"
 #include "platform/media/internal/ChunkEncoderPool.h"
 #include "platform/media/internal/FfmpegError.h"
+#include "platform/media/internal/PcmConversionThread.h"
 
 #include <QString>
 
@@ -201,6 +202,9 @@ void AudioEncoder::open(AVFormatContext* muxer)
 
 void AudioEncoder::setUpParallel()
 {
+    // A rate change of PCM runs on a thread of its own, beside the reading.
+    if (m_packer.isValid())
+        m_pcmThreadAllowed = m_parallelAllowed && parallelism(false).workers > 1;
     const bool aac =
         m_encoding.codec == EncodedCodec::aac && std::strcmp(m_encoderName, "aac") == 0;
     if (!m_parallelAllowed || !(aac || m_encoding.codec == EncodedCodec::alac))
@@ -353,9 +357,14 @@ void AudioEncoder::packPcm(const float* input, int frames, PacketWriter& writer)
 
 void AudioEncoder::writePcmPacket(int frames, PacketWriter& writer)
 {
-    // The packet lends our bytes to the muxer, which copies them out before it returns.
+    writePcmBytes(m_pcmBytes.data(), frames, writer);
+}
+
+void AudioEncoder::writePcmBytes(const std::uint8_t* bytes, int frames, PacketWriter& writer)
+{
+    // The packet lends the bytes to the muxer, which copies them out before it returns.
     AVPacket* packet = m_packet.get();
-    packet->data = m_pcmBytes.data();
+    packet->data = const_cast<std::uint8_t*>(bytes);
     packet->size = frames * m_context->ch_layout.nb_channels * m_packer.bytesPerSample();
     packet->pts = m_nextPts;
     packet->dts = m_nextPts;
@@ -511,8 +520,49 @@ void AudioEncoder::releaseStaging()
     m_stagingFrames = 0;
 }
 
-void AudioEncoder::encode(const SampleBuffer& buffer, MediaTime sessionOffset, PacketWriter& writer)
+bool AudioEncoder::convertPcmOnThread(const std::shared_ptr<const SampleBuffer>& shared,
+                                      PacketWriter& writer)
 {
+    const SampleBuffer& buffer = *shared;
+    const bool direct = buffer.sampleFormat() == SampleBuffer::SampleFormat::float32 &&
+                        buffer.sampleRate() == m_context->sample_rate &&
+                        buffer.channelCount() == m_context->ch_layout.nb_channels;
+    const bool sameInput = buffer.sampleFormat() == m_inputFormat &&
+                           buffer.sampleRate() == m_inputRate &&
+                           buffer.channelCount() == m_inputChannels;
+    if (m_pcmThread && (direct || !sameInput))
+        finishPcmThread(writer);
+    if (!m_pcmThreadAllowed || direct)
+        return false;
+    if (!m_pcmThread) {
+        // What was packed here goes first.
+        if (m_filled > 0)
+            writePcmPacket(m_filled, writer);
+        m_filled = 0;
+        configureResampler(buffer);
+        m_pcmThread = std::make_unique<PcmConversionThread>(std::move(m_resampler), m_packer,
+                                                            m_context->ch_layout.nb_channels);
+    }
+    m_pcmThread->submit(shared, [this, &writer](const std::uint8_t* bytes, int frames) {
+        writePcmBytes(bytes, frames, writer);
+    });
+    return true;
+}
+
+void AudioEncoder::finishPcmThread(PacketWriter& writer)
+{
+    if (!m_pcmThread)
+        return;
+    m_pcmThread->finish([this, &writer](const std::uint8_t* bytes, int frames) {
+        writePcmBytes(bytes, frames, writer);
+    });
+    m_pcmThread.reset();
+}
+
+void AudioEncoder::encode(const std::shared_ptr<const SampleBuffer>& shared,
+                          MediaTime sessionOffset, PacketWriter& writer)
+{
+    const SampleBuffer& buffer = *shared;
     if (m_finished || buffer.frameCount() == 0)
         return;
     if (!m_started) {
@@ -531,6 +581,8 @@ void AudioEncoder::encode(const SampleBuffer& buffer, MediaTime sessionOffset, P
         m_chunkFrame = 0;
         m_fill = m_chunk->frames[0].get();
     }
+    if (m_packer.isValid() && convertPcmOnThread(shared, writer))
+        return;
     // PCM at the output's rate and channels needs no converter: one pass into the file's bytes.
     if (m_packer.isValid() && buffer.sampleFormat() == SampleBuffer::SampleFormat::float32 &&
         buffer.sampleRate() == m_context->sample_rate &&
@@ -553,6 +605,7 @@ void AudioEncoder::finish(PacketWriter& writer)
     if (m_finished || !m_context)
         return;
     m_finished = true;
+    finishPcmThread(writer);
     // What the resampler still holds at the very end.
     if (m_resampler && m_inputRate != m_context->sample_rate) {
         while (resample(nullptr, 0, writer) > 0) {

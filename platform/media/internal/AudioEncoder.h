@@ -21,6 +21,7 @@
 namespace Platform::Internal {
 
 class ChunkEncoderPool;
+class PcmConversionThread;
 struct EncodeChunk;
 
 class AudioEncoder : public InputEncoder
@@ -40,7 +41,9 @@ public:
     void open(AVFormatContext* muxer) override;
     // Encodes `buffer`, whose first frame belongs at `sessionOffset` after the session start
     // (used for the first buffer only: later ones follow on without gaps). Throws MediaError.
-    void encode(const SampleBuffer& buffer, MediaTime sessionOffset, PacketWriter& writer);
+    // PCM with a rate change may hold on to the buffer until a thread of its own converted it.
+    void encode(const std::shared_ptr<const SampleBuffer>& buffer, MediaTime sessionOffset,
+                PacketWriter& writer);
     void finish(PacketWriter& writer) override;
 
     // The codec FFmpeg will be asked for.
@@ -60,6 +63,11 @@ private:
     void finishParallel(PacketWriter& writer);
     void packPcm(const float* input, int frames, PacketWriter& writer);
     void writePcmPacket(int frames, PacketWriter& writer);
+    void writePcmBytes(const std::uint8_t* bytes, int frames, PacketWriter& writer);
+    // Resamples and packs on the conversion thread; false where that thread is not used.
+    bool convertPcmOnThread(const std::shared_ptr<const SampleBuffer>& buffer,
+                            PacketWriter& writer);
+    void finishPcmThread(PacketWriter& writer);
     void configureResampler(const SampleBuffer& buffer);
     void prepareFrame();
     std::uint8_t** framePlanesAt(int frameOffset);
@@ -105,6 +113,8 @@ private:
     // Parallel encoding: segments of m_segmentFrames frames; AAC adds m_prerollFrames before
     // and m_postrollFrames after each, whose packets are dropped.
     bool m_parallelAllowed = false;
+    bool m_pcmThreadAllowed = false;
+    std::unique_ptr<PcmConversionThread> m_pcmThread;
     std::unique_ptr<ChunkEncoderPool> m_pool;
     EncodeChunk* m_chunk = nullptr;
     std::int64_t m_chunkSequence = 0;
