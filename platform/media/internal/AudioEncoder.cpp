@@ -202,7 +202,7 @@ void AudioEncoder::open(AVFormatContext* muxer)
 
 void AudioEncoder::setUpParallel()
 {
-    // A rate change of PCM runs on a thread of its own, beside the reading.
+    // PCM is converted on a thread of its own, beside the reading.
     if (m_packer.isValid())
         m_pcmThreadAllowed = m_parallelAllowed && parallelism(false).workers > 1;
     const bool aac =
@@ -530,18 +530,21 @@ bool AudioEncoder::convertPcmOnThread(const std::shared_ptr<const SampleBuffer>&
     const bool sameInput = buffer.sampleFormat() == m_inputFormat &&
                            buffer.sampleRate() == m_inputRate &&
                            buffer.channelCount() == m_inputChannels;
-    if (m_pcmThread && (direct || !sameInput))
-        finishPcmThread(writer);
-    if (!m_pcmThreadAllowed || direct)
+    if (!m_pcmThreadAllowed)
         return false;
+    if (m_pcmThread && (direct != m_pcmThreadPacksOnly || (!direct && !sameInput)))
+        finishPcmThread(writer);
     if (!m_pcmThread) {
         // What was packed here goes first.
         if (m_filled > 0)
             writePcmPacket(m_filled, writer);
         m_filled = 0;
-        configureResampler(buffer);
-        m_pcmThread = std::make_unique<PcmConversionThread>(std::move(m_resampler), m_packer,
-                                                            m_context->ch_layout.nb_channels);
+        if (!direct)
+            configureResampler(buffer);
+        m_pcmThreadPacksOnly = direct;
+        m_pcmThread =
+            std::make_unique<PcmConversionThread>(direct ? ResamplerPtr() : std::move(m_resampler),
+                                                  m_packer, m_context->ch_layout.nb_channels);
     }
     m_pcmThread->submit(shared, [this, &writer](const std::uint8_t* bytes, int frames) {
         writePcmBytes(bytes, frames, writer);

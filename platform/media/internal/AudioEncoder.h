@@ -64,7 +64,7 @@ private:
     void packPcm(const float* input, int frames, PacketWriter& writer);
     void writePcmPacket(int frames, PacketWriter& writer);
     void writePcmBytes(const std::uint8_t* bytes, int frames, PacketWriter& writer);
-    // Resamples and packs on the conversion thread; false where that thread is not used.
+    // Resamples where needed and packs on the conversion thread; false where it is not used.
     bool convertPcmOnThread(const std::shared_ptr<const SampleBuffer>& buffer,
                             PacketWriter& writer);
     void finishPcmThread(PacketWriter& writer);
@@ -115,6 +115,8 @@ private:
     bool m_parallelAllowed = false;
     bool m_pcmThreadAllowed = false;
     std::unique_ptr<PcmConversionThread> m_pcmThread;
+    // The thread only packs: the buffers come at the output's rate and channel count.
+    bool m_pcmThreadPacksOnly = false;
     std::unique_ptr<ChunkEncoderPool> m_pool;
     EncodeChunk* m_chunk = nullptr;
     std::int64_t m_chunkSequence = 0;

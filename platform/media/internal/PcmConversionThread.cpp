@@ -99,7 +99,10 @@ void PcmConversionThread::run()
 void PcmConversionThread::convert(Block& block)
 {
     try {
-        if (block.drains) {
+        if (!m_resampler) {
+            if (!block.drains)
+                pack(block);
+        } else if (block.drains) {
             while (convertInto(block, nullptr, 0) > 0) {
             }
         } else {
@@ -111,6 +114,18 @@ void PcmConversionThread::convert(Block& block)
     }
     // The reader may fill the buffer again.
     block.input.reset();
+}
+
+void PcmConversionThread::pack(Block& block)
+{
+    const SampleBuffer& input = *block.input;
+    const std::size_t needed = static_cast<std::size_t>(input.frameCount()) *
+                               static_cast<std::size_t>(m_channels) *
+                               static_cast<std::size_t>(m_packer.bytesPerSample());
+    if (block.bytes.size() < needed)
+        block.bytes.resize(needed);
+    m_packer.pack(input.data(), input.frameCount() * m_channels, block.bytes.data());
+    block.frames = input.frameCount();
 }
 
 int PcmConversionThread::convertInto(Block& block, const std::uint8_t* input, int inputFrames)

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Resamples and packs a PCM stream on a thread of its own, so that the rate change runs beside
-// the reading instead of after it; the packed blocks come back in order to the writer's thread,
-// which writes them. A few blocks at most are in flight; each holds its source buffer until it is
-// converted (the reader's pool waits for it) and reuses its bytes. One writer thread calls it.
+// Resamples (where the rate changes) and packs a PCM stream on a thread of its own, so that the
+// conversion runs beside the reading instead of after it; the packed blocks come back in order to
+// the writer's thread, which writes them. A few blocks at most are in flight; each holds its source
+// buffer until it is converted (the reader's pool waits for it) and reuses its bytes. One writer
+// thread calls it.
 #pragma once
 
 #include "platform/media/MediaError.h"
@@ -28,7 +29,8 @@ public:
     // Writes `frames` frames of packed bytes to the file. Throws MediaError.
     using BlockSink = std::function<void(const std::uint8_t* bytes, int frames)>;
 
-    // Takes over `resampler`, set up to deliver interleaved float at the output's rate.
+    // Takes over `resampler`, set up to deliver interleaved float at the output's rate; without
+    // one, buffers must be interleaved float at the output's rate and channel count already.
     PcmConversionThread(ResamplerPtr resampler, const PcmPacker& packer, int outputChannels);
     // Stops after the block in hand; what is still queued is dropped.
     ~PcmConversionThread();
@@ -58,6 +60,8 @@ private:
     bool writeOldest(const BlockSink& sink, bool wait);
     void run();
     void convert(Block& block);
+    // Packs the block's float buffer as it is.
+    void pack(Block& block);
     // Resamples into the staging floats and packs them after the block's bytes.
     int convertInto(Block& block, const std::uint8_t* input, int inputFrames);
 
