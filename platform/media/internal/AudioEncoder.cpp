@@ -185,7 +185,6 @@ void AudioEncoder::open(AVFormatContext* muxer)
     result = av_frame_get_buffer(m_frame.get(), 0);
     if (result < 0)
         throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot make an audio frame"));
-    m_muxer = muxer;
     m_fill = m_frame.get();
     m_convertFormat = context.sample_fmt;
     if (m_encoding.codec == EncodedCodec::pcm) {
@@ -286,8 +285,35 @@ void AudioEncoder::describeChunk(EncodeChunk& chunk, std::int64_t sequence, bool
     chunk.drains = last;
 }
 
+void AudioEncoder::encodeFirstChunkFrame(AVFrame* frame, int samples, PacketWriter& writer)
+{
+    if (frame) {
+        frame->nb_samples = samples;
+        frame->pts = m_ptsBase + static_cast<std::int64_t>(m_chunkFrame) * m_frameSize;
+    }
+    int result = avcodec_send_frame(m_context.get(), frame);
+    if (result < 0)
+        throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot encode audio"));
+    for (;;) {
+        result = avcodec_receive_packet(m_context.get(), m_packet.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
+            return;
+        if (result < 0)
+            throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot encode audio"));
+        try {
+            writeToFile(m_packet.get(), writer);
+        } catch (...) {
+            av_packet_unref(m_packet.get());
+            throw;
+        }
+        av_packet_unref(m_packet.get());
+    }
+}
+
 void AudioEncoder::advanceChunk(PacketWriter& writer)
 {
+    if (m_chunkSequence == 0)
+        encodeFirstChunkFrame(m_fill, m_frameSize, writer);
     ++m_chunkFrame;
     if (m_chunkFrame < chunkCapacity(m_chunkSequence)) {
         m_fill = m_chunk->frames[static_cast<std::size_t>(m_chunkFrame)].get();
@@ -310,7 +336,12 @@ void AudioEncoder::advanceChunk(PacketWriter& writer)
     m_chunk->frameCount = m_chunkFrame;
     m_chunk->lastFrameSamples = m_frameSize;
     describeChunk(*m_chunk, m_chunkSequence, false);
-    m_pool->submit(m_chunkSequence);
+    // Every packet of the first chunk is written already; its encoder is not drained, since the
+    // next packets come from the next chunk's.
+    if (m_chunkSequence == 0)
+        m_pool->skip(0);
+    else
+        m_pool->submit(m_chunkSequence);
     ++m_chunkSequence;
     m_chunk = &next;
     m_chunkFrame = overlap;
@@ -325,13 +356,17 @@ void AudioEncoder::finishParallel(PacketWriter& writer)
     const auto sink = [this, &writer](AVPacket* packet) { writeToFile(packet, writer); };
     m_chunk->frameCount = m_chunkFrame + (m_filled > 0 ? 1 : 0);
     m_chunk->lastFrameSamples = m_filled > 0 ? m_filled : m_frameSize;
-    m_filled = 0;
     describeChunk(*m_chunk, m_chunkSequence, true);
-    // A stream of one chunk is encoded here, serially.
-    if (m_chunkSequence == 0)
-        m_pool->encodeHere(0);
-    else
+    if (m_chunkSequence == 0) {
+        // A stream of one chunk was encoded here, serially, all along.
+        if (m_filled > 0)
+            encodeFirstChunkFrame(m_fill, m_filled, writer);
+        encodeFirstChunkFrame(nullptr, 0, writer);
+        m_pool->skip(0);
+    } else {
         m_pool->submit(m_chunkSequence);
+    }
+    m_filled = 0;
     m_chunk = nullptr;
     m_pool->writeAll(sink);
 }
@@ -346,6 +381,24 @@ void AudioEncoder::packPcm(const float* input, int frames, PacketWriter& writer)
         m_packer.pack(input, taken * channels,
                       m_pcmBytes.data() + static_cast<std::size_t>(m_filled) * frameBytes);
         input += static_cast<std::ptrdiff_t>(taken) * channels;
+        frames -= taken;
+        m_filled += taken;
+        if (m_filled == m_frameSize) {
+            writePcmPacket(m_filled, writer);
+            m_filled = 0;
+        }
+    }
+}
+
+void AudioEncoder::collectPcm(const std::uint8_t* bytes, int frames, PacketWriter& writer)
+{
+    const std::size_t frameBytes = static_cast<std::size_t>(m_context->ch_layout.nb_channels) *
+                                   static_cast<std::size_t>(m_packer.bytesPerSample());
+    while (frames > 0) {
+        const int taken = std::min(m_frameSize - m_filled, frames);
+        std::memcpy(m_pcmBytes.data() + static_cast<std::size_t>(m_filled) * frameBytes, bytes,
+                    static_cast<std::size_t>(taken) * frameBytes);
+        bytes += static_cast<std::size_t>(taken) * frameBytes;
         frames -= taken;
         m_filled += taken;
         if (m_filled == m_frameSize) {
@@ -547,7 +600,7 @@ bool AudioEncoder::convertPcmOnThread(const std::shared_ptr<const SampleBuffer>&
                                                   m_packer, m_context->ch_layout.nb_channels);
     }
     m_pcmThread->submit(shared, [this, &writer](const std::uint8_t* bytes, int frames) {
-        writePcmBytes(bytes, frames, writer);
+        collectPcm(bytes, frames, writer);
     });
     return true;
 }
@@ -557,9 +610,12 @@ void AudioEncoder::finishPcmThread(PacketWriter& writer)
     if (!m_pcmThread)
         return;
     m_pcmThread->finish([this, &writer](const std::uint8_t* bytes, int frames) {
-        writePcmBytes(bytes, frames, writer);
+        collectPcm(bytes, frames, writer);
     });
     m_pcmThread.reset();
+    if (m_filled > 0)
+        writePcmPacket(m_filled, writer);
+    m_filled = 0;
 }
 
 void AudioEncoder::encode(const std::shared_ptr<const SampleBuffer>& shared,

@@ -61,9 +61,15 @@ private:
     // The frame being filled is full: moves on, handing a full chunk to the pool.
     void advanceChunk(PacketWriter& writer);
     void finishParallel(PacketWriter& writer);
+    // The first chunk is encoded here as it fills, by the first encoder, so that a short stream
+    // is written (and a failed write met) exactly as in a serial encode. Null drains.
+    void encodeFirstChunkFrame(AVFrame* frame, int samples, PacketWriter& writer);
     void packPcm(const float* input, int frames, PacketWriter& writer);
     void writePcmPacket(int frames, PacketWriter& writer);
     void writePcmBytes(const std::uint8_t* bytes, int frames, PacketWriter& writer);
+    // Packed blocks from the conversion thread go out in packets of m_frameSize frames, as the
+    // packing here makes them (the file sees the same writes either way).
+    void collectPcm(const std::uint8_t* bytes, int frames, PacketWriter& writer);
     // Resamples where needed and packs on the conversion thread; false where it is not used.
     bool convertPcmOnThread(const std::shared_ptr<const SampleBuffer>& buffer,
                             PacketWriter& writer);
@@ -125,7 +131,6 @@ private:
     int m_prerollFrames = 0;
     int m_postrollFrames = 0;
     std::int64_t m_ptsBase = 0;
-    AVFormatContext* m_muxer = nullptr;
 };
 
 } // namespace Platform::Internal

@@ -80,11 +80,11 @@ void ChunkEncoderPool::submit(std::int64_t sequence)
     m_workAvailable.notify_one();
 }
 
-void ChunkEncoderPool::encodeHere(std::int64_t sequence)
+void ChunkEncoderPool::skip(std::int64_t sequence)
 {
     Slot& slot =
         m_slots[static_cast<std::size_t>(sequence % static_cast<std::int64_t>(m_slots.size()))];
-    encode(slot.chunk, m_hereContext);
+    slot.chunk.packetCount = 0;
     const std::lock_guard lock(m_mutex);
     slot.done = true;
     m_submitted = sequence + 1;

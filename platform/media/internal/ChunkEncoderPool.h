@@ -49,8 +49,8 @@ public:
     EncodeChunk& acquire(std::int64_t sequence, const PacketSink& sink);
     // Queues the filled chunk `sequence` for the workers.
     void submit(std::int64_t sequence);
-    // Encodes chunk `sequence` on the calling thread (a stream of one chunk needs no worker).
-    void encodeHere(std::int64_t sequence);
+    // Chunk `sequence` was encoded on the calling thread: nothing of it is left to write.
+    void skip(std::int64_t sequence);
     // Writes out the finished chunks at the head of the ring without waiting.
     void writeFinished(const PacketSink& sink);
     // Waits for every submitted chunk and writes them all out.
@@ -79,7 +79,6 @@ private:
     std::vector<Slot> m_slots;
     std::int64_t m_submitted = 0;
     std::int64_t m_written = 0;
-    CodecContextPtr m_hereContext;
 
     std::mutex m_mutex;
     std::condition_variable m_workAvailable;
