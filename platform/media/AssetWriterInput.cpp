@@ -105,7 +105,7 @@ bool AssetWriterInput::append(const std::shared_ptr<SampleBuffer>& buffer) const
             if (buffer->imageBuffer())
                 return false;
             if (auto* encoder = dynamic_cast<Internal::AudioEncoder*>(m_state->encoder.get()))
-                encoder->encode(*buffer, offset, *writer);
+                encoder->encode(buffer, offset, *writer);
             else if (auto* highEfficiency =
                          dynamic_cast<Internal::HeAacEncoder*>(m_state->encoder.get()))
                 highEfficiency->encode(*buffer, offset, *writer);
@@ -134,12 +134,20 @@ void AssetWriterInput::markAsFinished() const
     if (m_state->finished)
         return;
     m_state->finished = true;
+    // The stream ended before its pump saw a failed write (the last append met it): the
+    // partial file goes as it does when the pump cancels.
+    if (writer->failedWhileWriting)
+        writer->cancel();
     if (writer->status() == Internal::WriterState::writing && !writer->finishing &&
         m_state->encoder) {
         try {
             m_state->encoder->finish(*writer);
         } catch (const MediaError& error) {
             writer->fail(error);
+            // An encoder may still hold data when the stream ends (chunks in its workers'
+            // hands, converted PCM on its way): a write that fails now fails in mid-stream, and
+            // the partial file goes as it does when the pump cancels after a failed append.
+            writer->cancel();
         }
     }
     writer->wakeInputs(m_state.get());

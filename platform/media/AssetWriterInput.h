@@ -63,7 +63,9 @@ public:
     // media type, or encoding failed (the writer then fails with the error).
     bool append(const std::shared_ptr<SampleBuffer>& buffer) const;
 
-    // No more data: drains the encoder. Further appends fail.
+    // No more data: drains the encoder. Further appends fail. A write that fails while draining
+    // fails the writer and removes its partial file, as a cancel after a failed append does; so
+    // does the end of a stream whose writer failed in mid-writing.
     void markAsFinished() const;
 
     const std::shared_ptr<Internal::InputState>& state() const { return m_state; }

@@ -2,6 +2,7 @@
 #include "platform/media/internal/WriterState.h"
 
 #include "platform/foundation/SerialQueue.h"
+#include "platform/media/internal/AudioEncoder.h"
 #include "platform/media/internal/FfmpegError.h"
 
 #include <QFileInfo>
@@ -120,7 +121,10 @@ void WriterState::writePacket(AVPacket* packet, AVStream* stream, AVRational tim
 {
     packet->stream_index = stream->index;
     av_packet_rescale_ts(packet, timeBase, stream->time_base);
-    const int result = av_interleaved_write_frame(m_muxer, packet);
+    // A file of one stream needs no interleaving, and writing directly lends the packet's bytes
+    // instead of queueing a copy.
+    const int result = inputs.size() == 1 ? av_write_frame(m_muxer, packet)
+                                          : av_interleaved_write_frame(m_muxer, packet);
     if (result < 0) {
         if (m_file && m_file->writeErrno() != 0)
             throw mediaErrorFromErrno(m_file->writeErrno(), QStringLiteral("Cannot write"), path);
@@ -140,6 +144,8 @@ void WriterState::start()
         if (!input->encoder)
             throw MediaError::media(MediaError::encoderNotFound,
                                     QStringLiteral("No encoder for this input in this build"));
+        if (auto* audio = dynamic_cast<AudioEncoder*>(input->encoder.get()))
+            audio->setParallelAllowed(inputs.size() == 1);
         input->encoder->open(m_muxer);
     }
     m_file = std::make_unique<OutputFile>(path);
