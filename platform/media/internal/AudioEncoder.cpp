@@ -95,13 +95,6 @@ AudioEncoder::AudioEncoder(const AudioEncoding& encoding, FileType fileType, int
         m_encoderName = "aac";
         m_sampleFormat = AV_SAMPLE_FMT_FLTP;
         break;
-    case EncodedCodec::heAac:
-    case EncodedCodec::heAacV2:
-        // Only an encoder that knows the high-efficiency profiles will do; the built-in AAC
-        // encoder does not.
-        m_encoderName = "libfdk_aac";
-        m_sampleFormat = AV_SAMPLE_FMT_S16;
-        break;
     case EncodedCodec::alac: {
         int bits = encoding.bitDepth;
         if (bits == 0)
@@ -127,16 +120,9 @@ AudioEncoder::~AudioEncoder()
 void AudioEncoder::open(AVFormatContext* muxer)
 {
     const AVCodec* codec = m_encoderName ? avcodec_find_encoder_by_name(m_encoderName) : nullptr;
-    if (!codec) {
-        switch (m_encoding.codec) {
-        case EncodedCodec::heAac:
-            throw noEncoder(QStringLiteral("HE-AAC"));
-        case EncodedCodec::heAacV2:
-            throw noEncoder(QStringLiteral("HE-AAC v2"));
-        default:
-            throw noEncoder(QString::fromUtf8(m_encoderName ? m_encoderName : "this codec"));
-        }
-    }
+    // HE-AAC never comes here: its writer input has an encoder of its own (HeAacEncoder).
+    if (!codec)
+        throw noEncoder(QString::fromUtf8(m_encoderName ? m_encoderName : "this codec"));
     m_context.reset(avcodec_alloc_context3(codec));
     m_frame.reset(av_frame_alloc());
     m_packet.reset(av_packet_alloc());
@@ -151,12 +137,6 @@ void AudioEncoder::open(AVFormatContext* muxer)
     if (m_encoding.codec == EncodedCodec::aac)
         context.bit_rate =
             m_encoding.bitRate.value_or(aacBitsPerSecondPerChannel * m_encoding.channelCount);
-    if (m_encoding.codec == EncodedCodec::heAac || m_encoding.codec == EncodedCodec::heAacV2) {
-        context.profile =
-            m_encoding.codec == EncodedCodec::heAac ? FF_PROFILE_AAC_HE : FF_PROFILE_AAC_HE_V2;
-        if (m_encoding.bitRate)
-            context.bit_rate = *m_encoding.bitRate;
-    }
     if (m_encoding.codec == EncodedCodec::alac)
         context.bits_per_raw_sample = m_encoding.bitDepth;
     if (muxer->oformat->flags & AVFMT_GLOBALHEADER)
