@@ -290,10 +290,10 @@ private slots:
         const QString output = outputPath(QStringLiteral("cancel-asked.wav"));
         AudioTest::Outcome outcome;
         QEventLoop loop;
-        QCoro::Task<> running =
-            AudioTest::capture(converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
-                                                      AudioTest::settingsFor(AudioCodec::pcm), {}),
-                               outcome, loop);
+        QCoro::Task<> running = TestSupport::captureOutcome(
+            converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
+                                   AudioTest::settingsFor(AudioCodec::pcm), {}),
+            outcome, &loop);
         // The run is under way and suspended at its first load.
         QVERIFY(converter.progressTracker()->isActive());
         converter.progressTracker()->requestCancellation();
