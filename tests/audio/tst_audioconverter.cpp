@@ -9,11 +9,11 @@
 #include "ConversionEngine/level/PeakLevelPass.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/memory/StreamingBufferProcessor.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/support/Fixtures.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoro/QCoroTask>
 #include <QDir>
@@ -30,6 +30,7 @@
 using namespace ConversionEngine;
 using AudioTest::TrackerLog;
 using TestSupport::Fixtures;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -3,7 +3,6 @@
 // command and its shortcut, the Help entries turning Help to their section, the preset manager,
 // settings and progress windows bound to their models, and screenshots in light and dark.
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/BatchProgressManager.h"
 #include "app/batch/ProgressTexts.h"
 #include "app/driver/MediaConverter.h"
@@ -32,6 +31,7 @@
 #include "app/views/SettingsView.h"
 #include "app/window/ContentViewModel.h"
 #include "platform/foundation/UserDefaults.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QAction>
 #include <QApplication>
@@ -479,7 +479,7 @@ void OtherWindowsTest::batchViewFollowsTheManager()
 void OtherWindowsTest::speedShowsZeroUntilTimeHasPassed()
 {
     // The clock stands still: the first report of a file comes in the instant it started.
-    ConversionEngine::ManualProgressClock clock;
+    TestSupport::ManualProgressClock clock;
     Program p;
     p.windows.showConversionProgress();
     BatchProgressManager* manager = p.model.mediaConverter()->batchProgressManager();
