@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The time source and the delayed calls of the progress and memory models. The product runs on the
-// wall clock and Qt's timers; a test installs a ManualProgressClock and moves time by hand, so that
+// wall clock and Qt's timers; a test installs a clock of its own and moves time by hand, so that
 // stalls, delays and remaining times can be checked without waiting. Main thread only.
 #pragma once
 

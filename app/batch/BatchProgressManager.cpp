@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batch/BatchProgressManager.h"
 
-#include "ConversionEngine/core/FixedDecimals.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/progress/ProgressClock.h"
 
@@ -19,13 +18,6 @@ namespace {
 Q_LOGGING_CATEGORY(batchProgressLog, "Ondrilet.BatchProgress")
 
 constexpr double bytesToMebibytes = 9.5367431640625e-07;
-
-// One decimal, ties to the even digit (0.25 shows as "0.2"), with a point in every locale; Qt's
-// own formatting rounds ties away from zero and would differ.
-QString oneDecimal(double value)
-{
-    return QString::fromStdString(ConversionEngine::FixedDecimals::text(value, 1));
-}
 
 // `seconds` after `from`; a span beyond any date (a fraction near zero early on) gives no date
 // rather than an overflow.
@@ -163,22 +155,6 @@ double BatchProgressManager::compressionRatio() const
         return 0;
     return static_cast<double>(m_batchStats.totalOutputSize) /
            static_cast<double>(m_batchStats.totalInputSize) * 100.0;
-}
-
-QString BatchProgressManager::compressionRatioText() const
-{
-    return oneDecimal(compressionRatio()) + QStringLiteral("%");
-}
-
-QString BatchProgressManager::processingSpeedText() const
-{
-    return oneDecimal(m_batchStats.averageProcessingSpeed) + QStringLiteral(" MB/s");
-}
-
-QString BatchProgressManager::memoryUsageText() const
-{
-    return oneDecimal(static_cast<double>(m_memoryStats.currentUsage) * bytesToMebibytes) +
-           QStringLiteral(" MB");
 }
 
 void BatchProgressManager::progressTimerFired()

@@ -63,12 +63,9 @@ public:
     void resumeBatch();
     void finishBatch();
 
-    // The figures of the window: output size as a percentage of the input (0 without input),
-    // "%.1f%%"; the mean speed, "%.1f MB/s"; the engine's estimate, "%.1f MB".
+    // The window's compression figure: output size as a percentage of the input (0 without
+    // input). ProgressTexts writes it and the other figures ("%.1f%%", "%.1f MB/s", "%.1f MB").
     double compressionRatio() const;
-    QString compressionRatioText() const;
-    QString processingSpeedText() const;
-    QString memoryUsageText() const;
 
     // The statistics timer, or null once the first batch has finished.
     const QTimer* progressUpdateTimer() const { return m_progressUpdateTimer; }

@@ -33,6 +33,10 @@ QString ProgressTexts::filesCompletedText(std::int64_t completed, std::int64_t t
 
 QString ProgressTexts::speedText(double megabytesPerSecond)
 {
+    // The first report of a file can come in the same instant as its start: no time has passed,
+    // nothing is measured yet, and the speed divides by zero.
+    if (!std::isfinite(megabytesPerSecond))
+        megabytesPerSecond = 0.0;
     return fixedDecimals(megabytesPerSecond, 1) + QStringLiteral(" MB/s");
 }
 

@@ -31,7 +31,8 @@ public:
     static QString percentText(double fraction);
     // N " of " M " files completed".
     static QString filesCompletedText(std::int64_t completed, std::int64_t total);
-    // "%.1f MB/s", "%.1f MB", "%.1f%%".
+    // "%.1f MB/s", "%.1f MB", "%.1f%%". A speed that is no finite number, as one measured over no
+    // time at all, reads as "0.0 MB/s".
     static QString speedText(double megabytesPerSecond);
     static QString megabytesText(double megabytes);
     static QString ratioText(double percent);

@@ -120,11 +120,6 @@ QPalette AppearancePalette::dark()
     });
 }
 
-QPalette AppearancePalette::systemPalette()
-{
-    return desktopPalette();
-}
-
 bool AppearancePalette::systemPrefersDark()
 {
     return isDark(desktopPalette());

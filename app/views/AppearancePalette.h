@@ -17,8 +17,6 @@ public:
     static QPalette light();
     static QPalette dark();
 
-    // The palette the desktop gives the program, before any of ours was set.
-    static QPalette systemPalette();
     // True when the desktop's own palette is a dark one.
     static bool systemPrefersDark();
 

@@ -65,17 +65,12 @@ public:
     HelpModel* helpModel() const { return m_helpModel; }
     ConversionProgressView* conversionProgressView() const { return m_progressView; }
     PresetManagerModel* presetManagerModel() const { return m_presetManagerModel; }
-    SettingsModel* settingsModel() const { return m_settingsModel; }
     // The folder question of Settings while it is open.
     QFileDialog* directoryDialog() const;
 
-    QAction* aboutAction() const { return m_aboutAction; }
     QAction* settingsAction() const { return m_settingsAction; }
     QAction* presetManagerAction() const { return m_presetManagerAction; }
     QAction* helpAction() const { return m_helpAction; }
-    QAction* progressAction() const { return m_progressAction; }
-    // "Getting Started", "Video Conversion Guide", "Preset Management", "Troubleshooting".
-    QList<QAction*> helpSectionActions() const { return m_sectionActions; }
 
 private:
     void buildMenus();

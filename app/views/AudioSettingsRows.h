@@ -25,7 +25,6 @@ public:
     AudioSettingsRows(ContentViewModel* model, SectionView* section, const QString& codecLabel);
 
     ChoiceBox* codecBox() const { return m_codec; }
-    ChoiceBox* sampleRateBox() const { return m_sampleRate; }
     ChoiceBox* bitDepthBox() const { return m_bitDepth; }
     ChoiceBox* bitrateBox() const { return m_bitrate; }
     QLabel* hintLabel() const { return m_hint; }

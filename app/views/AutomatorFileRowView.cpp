@@ -2,84 +2,45 @@
 #include "app/views/AutomatorFileRowView.h"
 
 #include "app/views/AppearancePalette.h"
-#include "app/views/ElidedLabel.h"
 #include "app/views/SymbolIcon.h"
-#include "app/window/FileListRules.h"
+#include "app/window/FileListModel.h"
 
-#include <QApplication>
-#include <QDrag>
-#include <QDragEnterEvent>
-#include <QFileInfo>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QMouseEvent>
+#include <QAbstractItemView>
+#include <QCursor>
+#include <QHelpEvent>
+#include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPointer>
-#include <QToolButton>
+#include <QToolTip>
 
 namespace Ondrilet {
 
-AutomatorFileRowView::AutomatorFileRowView(QString file, qint64 index, bool isLast,
-                                           std::function<void()> onRemove, DropHandler onDrop,
-                                           QWidget* parent)
-    : QWidget(parent)
-    , m_file(std::move(file))
-    , m_index(index)
-    , m_isLast(isLast)
-    , m_onRemove(std::move(onRemove))
-    , m_onDrop(std::move(onDrop))
-    , m_icon(new QLabel(this))
-    , m_name(new ElidedLabel(this))
-    , m_removeButton(new QToolButton(this))
+namespace {
+
+// The row's parts, left to right: the symbol, the name, the remove button.
+constexpr int leftMargin = 10;
+constexpr int rightMargin = 6;
+constexpr int spacing = 8;
+constexpr int symbolSide = 20;
+constexpr int removeSide = 22;
+constexpr int removeIconSide = 14;
+
+QColor withAlpha(QColor colour, qreal alpha)
 {
-    setAcceptDrops(true);
-    setAttribute(Qt::WA_Hover);
-    setMinimumHeight(36);
-    const QString name = QFileInfo(m_file).fileName();
-    setAccessibleName(name);
-    setToolTip(m_file);
-
-    m_icon->setFixedSize(20, 20);
-    m_name->setFullText(name);
-    m_removeButton->setAutoRaise(true);
-    m_removeButton->setIconSize(QSize(14, 14));
-    m_removeButton->setToolTip(QStringLiteral("Remove"));
-    m_removeButton->setAccessibleName(QStringLiteral("Remove %1").arg(name));
-    m_removeButton->setFocusPolicy(Qt::TabFocus);
-    connect(m_removeButton, &QToolButton::clicked, this, [this] {
-        if (m_onRemove)
-            m_onRemove();
-    });
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(10, 4, 6, 4);
-    layout->setSpacing(8);
-    layout->addWidget(m_icon);
-    layout->addWidget(m_name, 1);
-    layout->addWidget(m_removeButton);
-    refreshIcon();
+    colour.setAlphaF(alpha);
+    return colour;
 }
 
-void AutomatorFileRowView::setSelected(bool selected)
-{
-    if (selected == m_isSelected)
-        return;
-    m_isSelected = selected;
-    update();
-}
+} // namespace
 
-std::unique_ptr<QMimeData> AutomatorFileRowView::dragMimeData() const
-{
-    auto mimeData = std::make_unique<QMimeData>();
-    mimeData->setText(QString::number(m_index));
-    return mimeData;
-}
+AutomatorFileRowView::AutomatorFileRowView(QObject* parent)
+    : QStyledItemDelegate(parent)
+{}
 
-bool AutomatorFileRowView::acceptsDrop(const QMimeData* offered)
+QRect AutomatorFileRowView::removeButtonRect(const QRect& rowRect)
 {
-    // A file manager's drag often carries its paths as text too; those belong to the list.
-    return offered != nullptr && offered->hasText() && !offered->hasUrls();
+    return QRect(rowRect.right() + 1 - rightMargin - removeSide,
+                 rowRect.top() + (rowRect.height() - removeSide) / 2, removeSide, removeSide);
 }
 
 QColor AutomatorFileRowView::symbolColour(const QString& colourName, const QPalette& palette)
@@ -96,161 +57,109 @@ QColor AutomatorFileRowView::symbolColour(const QString& colourName, const QPale
     return AppearancePalette::secondaryText(palette);
 }
 
-void AutomatorFileRowView::refreshIcon()
+QSize AutomatorFileRowView::sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const
 {
-    const FileListRules::RowLook look = FileListRules::rowLook(m_file);
-    const QColor colour = symbolColour(FileListRules::colourName(look.colour), palette());
-    m_icon->setPixmap(SymbolIcon::icon(look.symbolName, colour).pixmap(QSize(20, 20)));
-    m_removeButton->setIcon(
-        SymbolIcon::icon(QStringLiteral("xmark"), AppearancePalette::secondaryText(palette())));
+    // The list gives every row its whole width; this is only the least a row needs.
+    return QSize(leftMargin + symbolSide + spacing + removeSide + rightMargin, rowHeight);
 }
 
-void AutomatorFileRowView::changeEvent(QEvent* event)
+QPixmap AutomatorFileRowView::symbolPixmap(const QString& symbol, const QColor& colour,
+                                           qreal ratio) const
 {
-    if (event->type() == QEvent::PaletteChange)
-        refreshIcon();
-    QWidget::changeEvent(event);
+    const QString key = symbol + QLatin1Char('|') + QString::number(colour.rgba(), 16) +
+                        QLatin1Char('|') + QString::number(ratio);
+    auto found = m_symbols.constFind(key);
+    if (found != m_symbols.constEnd())
+        return *found;
+    const int side = symbol == QLatin1String("xmark") ? removeIconSide : symbolSide;
+    const QPixmap pixmap = SymbolIcon::icon(symbol, colour).pixmap(QSize(side, side), ratio);
+    m_symbols.insert(key, pixmap);
+    return pixmap;
 }
 
-void AutomatorFileRowView::paintEvent(QPaintEvent*)
+void AutomatorFileRowView::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPalette& colours = palette();
-    const QRectF area = QRectF(rect()).adjusted(2, 1, -2, -1);
+    const QPalette& colours = option.palette;
+    const QWidget* view = option.widget;
+    const QRect row = option.rect;
+    const bool selected = option.state & QStyle::State_Selected;
+    const bool hovered = option.state & QStyle::State_MouseOver;
+    const bool dragging = index.row() == m_draggedRow;
+    const bool dropTarget = index.row() == m_dropTargetRow;
+    const bool isLast = index.data(FileListModel::isLastRole).toBool();
+
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
     QPainterPath shape;
-    shape.addRoundedRect(area, 6, 6);
+    shape.addRoundedRect(QRectF(row).adjusted(2, 1, -2, -1), 6, 6);
 
-    QColor highlight = colours.color(QPalette::Highlight);
-    if (m_isSelected) {
-        highlight.setAlphaF(hasFocus() || parentWidget()->hasFocus() ? 0.22 : 0.16);
-        painter.fillPath(shape, highlight);
-    } else if (m_isHovered && !m_isDragging) {
-        QColor hover = colours.color(QPalette::WindowText);
-        hover.setAlphaF(0.06);
-        painter.fillPath(shape, hover);
+    const QColor highlight = colours.color(QPalette::Highlight);
+    if (selected) {
+        const bool focused = view != nullptr && view->hasFocus();
+        painter->fillPath(shape, withAlpha(highlight, focused ? 0.22 : 0.16));
+    } else if (hovered && m_draggedRow < 0) {
+        painter->fillPath(shape, withAlpha(colours.color(QPalette::WindowText), 0.06));
     }
-    if (m_isDropTarget) {
-        QColor target = colours.color(QPalette::Highlight);
-        painter.setPen(QPen(target, 2));
-        painter.drawPath(shape);
-        target.setAlphaF(0.10);
-        painter.fillPath(shape, target);
+    if (dropTarget) {
+        painter->setPen(QPen(highlight, 2));
+        painter->drawPath(shape);
+        painter->fillPath(shape, withAlpha(highlight, 0.10));
     }
-    if (!m_isLast && !m_isSelected && !m_isDropTarget) {
-        QColor line = colours.color(QPalette::WindowText);
-        line.setAlphaF(0.08);
-        painter.setPen(QPen(line, 1));
-        painter.drawLine(QPointF(38, height() - 0.5), QPointF(width() - 8, height() - 0.5));
+    if (!isLast && !selected && !dropTarget) {
+        painter->setPen(QPen(withAlpha(colours.color(QPalette::WindowText), 0.08), 1));
+        const qreal y = row.bottom() + 0.5;
+        painter->drawLine(QPointF(row.left() + leftMargin + symbolSide + spacing, y),
+                          QPointF(row.right() + 1 - 8, y));
     }
-    if (m_isDragging) {
-        QColor veil = colours.color(QPalette::Base);
-        veil.setAlphaF(0.55);
-        painter.fillPath(shape, veil);
+
+    const qreal ratio = painter->device() != nullptr ? painter->device()->devicePixelRatioF() : 1.0;
+    const QColor symbolTint =
+        symbolColour(index.data(FileListModel::symbolColourRole).toString(), colours);
+    const QRect symbolRect(row.left() + leftMargin, row.top() + (row.height() - symbolSide) / 2,
+                           symbolSide, symbolSide);
+    painter->drawPixmap(
+        symbolRect,
+        symbolPixmap(index.data(FileListModel::symbolNameRole).toString(), symbolTint, ratio));
+
+    const QRect remove = removeButtonRect(row);
+    const auto* itemView = qobject_cast<const QAbstractItemView*>(view);
+    const QWidget* area = itemView != nullptr ? itemView->viewport() : view;
+    if (hovered && area != nullptr && remove.contains(area->mapFromGlobal(QCursor::pos()))) {
+        QPainterPath button;
+        button.addRoundedRect(QRectF(remove).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        painter->fillPath(button, withAlpha(colours.color(QPalette::WindowText), 0.10));
     }
+    const QRect cross(remove.left() + (removeSide - removeIconSide) / 2,
+                      remove.top() + (removeSide - removeIconSide) / 2, removeIconSide,
+                      removeIconSide);
+    painter->drawPixmap(cross, symbolPixmap(QStringLiteral("xmark"),
+                                            AppearancePalette::secondaryText(colours), ratio));
+
+    const int nameLeft = symbolRect.right() + 1 + spacing;
+    const QRect nameRect(nameLeft, row.top(), remove.left() - spacing - nameLeft, row.height());
+    const QString name = index.data(Qt::DisplayRole).toString();
+    painter->setFont(option.font);
+    painter->setPen(colours.color(QPalette::WindowText));
+    painter->drawText(
+        nameRect, Qt::AlignLeft | Qt::AlignVCenter,
+        option.fontMetrics.elidedText(name, Qt::ElideMiddle, std::max(0, nameRect.width())));
+
+    if (dragging)
+        painter->fillPath(shape, withAlpha(colours.color(QPalette::Base), 0.55));
+    painter->restore();
 }
 
-void AutomatorFileRowView::enterEvent(QEnterEvent* event)
+bool AutomatorFileRowView::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                                     const QStyleOptionViewItem& option, const QModelIndex& index)
 {
-    m_isHovered = true;
-    update();
-    QWidget::enterEvent(event);
-}
-
-void AutomatorFileRowView::leaveEvent(QEvent* event)
-{
-    m_isHovered = false;
-    update();
-    QWidget::leaveEvent(event);
-}
-
-void AutomatorFileRowView::mousePressEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton) {
-        m_pressed = true;
-        m_pressPosition = event->position().toPoint();
-    }
-    QWidget::mousePressEvent(event);
-}
-
-void AutomatorFileRowView::mouseMoveEvent(QMouseEvent* event)
-{
-    if (m_pressed && (event->buttons() & Qt::LeftButton) &&
-        (event->position().toPoint() - m_pressPosition).manhattanLength() >=
-            QApplication::startDragDistance()) {
-        m_pressed = false;
-        startDrag();
-        return;
-    }
-    QWidget::mouseMoveEvent(event);
-}
-
-void AutomatorFileRowView::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (m_pressed && event->button() == Qt::LeftButton)
-        emit clicked(event->modifiers());
-    m_pressed = false;
-    QWidget::mouseReleaseEvent(event);
-}
-
-void AutomatorFileRowView::startDrag()
-{
-    QPointer<AutomatorFileRowView> self(this);
-    auto* drag = new QDrag(this);
-    drag->setMimeData(dragMimeData().release());
-    drag->setPixmap(grab());
-    drag->setHotSpot(m_pressPosition);
-    m_isDragging = true;
-    update();
-    drag->exec(Qt::MoveAction);
-    // The list may have been rebuilt while the drag ran.
-    if (!self)
-        return;
-    m_isDragging = false;
-    update();
-}
-
-void AutomatorFileRowView::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (!acceptsDrop(event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-    m_isDropTarget = true;
-    update();
-}
-
-void AutomatorFileRowView::dragMoveEvent(QDragMoveEvent* event)
-{
-    if (!acceptsDrop(event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-}
-
-void AutomatorFileRowView::dragLeaveEvent(QDragLeaveEvent* event)
-{
-    m_isDropTarget = false;
-    update();
-    QWidget::dragLeaveEvent(event);
-}
-
-void AutomatorFileRowView::dropEvent(QDropEvent* event)
-{
-    m_isDropTarget = false;
-    update();
-    if (!acceptsDrop(event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::MoveAction);
-    event->accept();
-    if (m_onDrop)
-        m_onDrop(event->mimeData()->text(), m_index);
+    if (event == nullptr || view == nullptr || event->type() != QEvent::ToolTip)
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const QString text = removeButtonRect(option.rect).contains(event->pos())
+                             ? QStringLiteral("Remove")
+                             : index.data(Qt::ToolTipRole).toString();
+    QToolTip::showText(event->globalPos(), text, view);
+    return true;
 }
 
 } // namespace Ondrilet

@@ -49,7 +49,6 @@ public:
     QScrollArea* settingsScrollArea() const { return m_settingsScroll; }
 
     // The alerts and the open panel while they show.
-    QMessageBox* alertBox() const { return m_alert; }
     QMessageBox* fileAlertBox() const { return m_fileAlert; }
     QMessageBox* overwriteAlertBox() const { return m_overwriteAlert; }
     QFileDialog* openPanel() const { return m_openPanel; }

@@ -7,20 +7,25 @@
 #include "app/window/ContentViewModel.h"
 #include "app/window/FileListModel.h"
 
+#include <QCoreApplication>
+#include <QDrag>
 #include <QDragEnterEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QListView>
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPersistentModelIndex>
+#include <QPointer>
 #include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 
 namespace Ondrilet {
 
@@ -75,6 +80,239 @@ QString countText(qsizetype count)
     return QStringLiteral("%1 files").arg(count);
 }
 
+// A drag from a file manager, over any part of the list: the list lights up.
+bool enterWithFiles(ContentViewModel* model, QDragMoveEvent* event)
+{
+    if (!event->mimeData()->hasUrls())
+        return false;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (event->type() == QEvent::DragEnter)
+        model->setIsDragOver(true);
+    return true;
+}
+
+bool dropFiles(ContentViewModel* model, QDropEvent* event)
+{
+    if (!event->mimeData()->hasUrls())
+        return false;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    model->handleDrop(event->mimeData()->urls());
+    return true;
+}
+
+// The rows: a list view with one painted row per file. A row dragged onto another asks the
+// model to move it; a click on a row's remove button removes its file; Delete goes to the list.
+class FileRows : public QListView
+{
+public:
+    FileRows(ContentViewModel* model, AutomatorFileRowView* rowDelegate, QWidget* parent)
+        : QListView(parent)
+        , m_model(model)
+        , m_delegate(rowDelegate)
+    {
+        setModel(model->fileList());
+        setItemDelegate(rowDelegate);
+        setUniformItemSizes(true);
+        // Rows span the viewport, also once a scroll bar takes some of it.
+        setResizeMode(QListView::Adjust);
+        setSelectionMode(QAbstractItemView::ExtendedSelection);
+        setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFrameShape(QFrame::NoFrame);
+        setDragEnabled(true);
+        setAcceptDrops(true);
+        viewport()->setAcceptDrops(true);
+        setDropIndicatorShown(false);
+        setAutoFillBackground(false);
+        viewport()->setAutoFillBackground(false);
+        viewport()->setAttribute(Qt::WA_Hover);
+        setMouseTracking(true);
+        setViewportMargins(4, 4, 4, 4);
+        setAccessibleName(QStringLiteral("Files"));
+    }
+
+    std::function<void()> onRemoveSelected;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        const QPoint position = event->position().toPoint();
+        m_pressPosition = position;
+        const QModelIndex index = indexAt(position);
+        m_pressedRemove = QPersistentModelIndex();
+        if (event->button() == Qt::LeftButton && index.isValid() &&
+            AutomatorFileRowView::removeButtonRect(visualRect(index)).contains(position)) {
+            m_pressedRemove = index;
+            event->accept();
+            return;
+        }
+        QListView::mousePressEvent(event);
+    }
+
+    void mouseMoveEvent(QMouseEvent* event) override
+    {
+        if (m_pressedRemove.isValid()) {
+            event->accept();
+            return;
+        }
+        QListView::mouseMoveEvent(event);
+    }
+
+    void mouseReleaseEvent(QMouseEvent* event) override
+    {
+        if (!m_pressedRemove.isValid()) {
+            QListView::mouseReleaseEvent(event);
+            return;
+        }
+        const QPersistentModelIndex pressed = m_pressedRemove;
+        m_pressedRemove = QPersistentModelIndex();
+        event->accept();
+        if (event->button() == Qt::LeftButton &&
+            AutomatorFileRowView::removeButtonRect(visualRect(pressed))
+                .contains(event->position().toPoint()))
+            m_model->removeFile(pressed.data(FileListModel::fileRole).toString());
+    }
+
+    bool viewportEvent(QEvent* event) override
+    {
+        // The remove button lights up under the pointer: its row is painted again as it moves.
+        if (event->type() == QEvent::HoverMove || event->type() == QEvent::HoverLeave) {
+            const QModelIndex under =
+                event->type() == QEvent::HoverMove
+                    ? indexAt(static_cast<QHoverEvent*>(event)->position().toPoint())
+                    : QModelIndex();
+            if (under.isValid())
+                viewport()->update(visualRect(under));
+        }
+        return QListView::viewportEvent(event);
+    }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) {
+            if (selectionModel()->hasSelection() && onRemoveSelected) {
+                onRemoveSelected();
+                event->accept();
+                return;
+            }
+            event->ignore();
+            return;
+        }
+        QListView::keyPressEvent(event);
+    }
+
+    void startDrag(Qt::DropActions) override
+    {
+        const QModelIndex dragged = indexAt(m_pressPosition);
+        if (!dragged.isValid())
+            return;
+        std::unique_ptr<QMimeData> offered(model()->mimeData({dragged}));
+        if (!offered)
+            return;
+        QPointer<FileRows> self(this);
+        auto* drag = new QDrag(this);
+        drag->setMimeData(offered.release());
+        drag->setPixmap(rowPicture(dragged));
+        drag->setHotSpot(m_pressPosition - visualRect(dragged).topLeft());
+        m_delegate->setDraggedRow(dragged.row());
+        viewport()->update();
+        drag->exec(Qt::MoveAction);
+        // The list may be gone once the drag is over.
+        if (!self)
+            return;
+        m_delegate->setDraggedRow(-1);
+        setDropTarget(QModelIndex());
+    }
+
+    void dragEnterEvent(QDragEnterEvent* event) override
+    {
+        if (enterWithFiles(m_model, event))
+            return;
+        if (!acceptsRow(event)) {
+            event->ignore();
+            return;
+        }
+        event->setDropAction(Qt::MoveAction);
+        event->accept();
+        setDropTarget(indexAt(event->position().toPoint()));
+    }
+
+    void dragMoveEvent(QDragMoveEvent* event) override
+    {
+        if (enterWithFiles(m_model, event))
+            return;
+        const QModelIndex target = indexAt(event->position().toPoint());
+        if (!acceptsRow(event) || !target.isValid()) {
+            setDropTarget(QModelIndex());
+            event->ignore();
+            return;
+        }
+        setDropTarget(target);
+        event->setDropAction(Qt::MoveAction);
+        event->accept();
+    }
+
+    void dragLeaveEvent(QDragLeaveEvent* event) override
+    {
+        setDropTarget(QModelIndex());
+        m_model->setIsDragOver(false);
+        event->accept();
+    }
+
+    void dropEvent(QDropEvent* event) override
+    {
+        setDropTarget(QModelIndex());
+        if (dropFiles(m_model, event))
+            return;
+        const QModelIndex target = indexAt(event->position().toPoint());
+        if (!acceptsRow(event) || !target.isValid()) {
+            event->ignore();
+            return;
+        }
+        event->setDropAction(Qt::MoveAction);
+        event->accept();
+        m_model->handleRowDrop(event->mimeData()->text(), target.row());
+    }
+
+private:
+    bool acceptsRow(const QDropEvent* event) const
+    {
+        return model()->canDropMimeData(event->mimeData(), Qt::MoveAction, -1, -1, QModelIndex());
+    }
+
+    void setDropTarget(const QModelIndex& target)
+    {
+        const int row = target.isValid() ? target.row() : -1;
+        if (row == m_delegate->dropTargetRow())
+            return;
+        m_delegate->setDropTargetRow(row);
+        viewport()->update();
+    }
+
+    // What the pointer carries while a row is dragged: the row as it is painted.
+    QPixmap rowPicture(const QModelIndex& index) const
+    {
+        QStyleOptionViewItem option;
+        initViewItemOption(&option);
+        const QRect rect = visualRect(index);
+        option.rect = QRect(QPoint(0, 0), rect.size());
+        const qreal ratio = devicePixelRatioF();
+        QPixmap picture(rect.size() * ratio);
+        picture.setDevicePixelRatio(ratio);
+        picture.fill(palette().color(QPalette::Base));
+        QPainter painter(&picture);
+        m_delegate->paint(&painter, option, index);
+        return picture;
+    }
+
+    ContentViewModel* m_model;
+    AutomatorFileRowView* m_delegate;
+    QPoint m_pressPosition;
+    QPersistentModelIndex m_pressedRemove;
+};
+
 } // namespace
 
 FileListView::FileListView(ContentViewModel* model, QWidget* parent)
@@ -82,7 +320,6 @@ FileListView::FileListView(ContentViewModel* model, QWidget* parent)
     , m_model(model)
 {
     setAcceptDrops(true);
-    setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(QStringLiteral("Files"));
 
     auto* title = new QLabel(QStringLiteral("Files"), this);
@@ -103,20 +340,11 @@ FileListView::FileListView(ContentViewModel* model, QWidget* parent)
     header->addWidget(m_addButton);
 
     auto* frame = new ListFrame(this);
-    m_frame = frame;
-    m_scroll = new QScrollArea(frame);
-    m_scroll->setFrameShape(QFrame::NoFrame);
-    m_scroll->setWidgetResizable(true);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll->viewport()->setAutoFillBackground(false);
-    m_scroll->setFocusPolicy(Qt::NoFocus);
-    m_rowsHost = new QWidget;
-    m_rowsHost->setAutoFillBackground(false);
-    m_rowsLayout = new QVBoxLayout(m_rowsHost);
-    m_rowsLayout->setContentsMargins(4, 4, 4, 4);
-    m_rowsLayout->setSpacing(0);
-    m_rowsLayout->addStretch(1);
-    m_scroll->setWidget(m_rowsHost);
+    m_rowDelegate = new AutomatorFileRowView(this);
+    auto* rows = new FileRows(m_model, m_rowDelegate, frame);
+    rows->onRemoveSelected = [this] { removeSelected(); };
+    m_rows = rows;
+    setFocusProxy(m_rows);
 
     m_emptyState = new QWidget(frame);
     auto* emptyIcon = new QLabel(m_emptyState);
@@ -142,7 +370,7 @@ FileListView::FileListView(ContentViewModel* model, QWidget* parent)
 
     auto* frameLayout = new QVBoxLayout(frame);
     frameLayout->setContentsMargins(2, 2, 2, 2);
-    frameLayout->addWidget(m_scroll);
+    frameLayout->addWidget(m_rows);
     frameLayout->addWidget(m_emptyState);
 
     m_countLabel = new QLabel(this);
@@ -165,96 +393,40 @@ FileListView::FileListView(ContentViewModel* model, QWidget* parent)
     layout->addWidget(frame, 1);
     layout->addLayout(footer);
 
+    // The rows follow the model on their own; only the count and the empty state are told here.
     connect(m_model->fileList(), &FileListModel::listedFilesChanged, this,
-            &FileListView::rebuildRows);
+            &FileListView::refreshCount);
     connect(m_model, &ContentViewModel::isDragOverChanged, this,
             [frame](bool over) { frame->setTargeted(over); });
-    rebuildRows(m_model->listedFiles());
+    refreshCount();
 }
 
 QList<qint64> FileListView::selectedIndices() const
 {
-    QList<qint64> indices(m_selected.begin(), m_selected.end());
+    QList<qint64> indices;
+    for (const QModelIndex& index : m_rows->selectionModel()->selectedRows())
+        indices.append(index.row());
     std::sort(indices.begin(), indices.end());
     return indices;
 }
 
 void FileListView::removeSelected()
 {
-    const QStringList files = m_model->listedFiles();
     QStringList chosen;
-    for (const qint64 index : selectedIndices()) {
-        if (index >= 0 && index < files.size())
-            chosen.append(files.at(index));
-    }
-    m_selected.clear();
+    for (const QModelIndex& index : m_rows->selectionModel()->selectedRows())
+        chosen.append(index.data(FileListModel::fileRole).toString());
+    m_rows->selectionModel()->clearSelection();
     for (const QString& file : std::as_const(chosen))
         m_model->removeFile(file);
 }
 
-void FileListView::rebuildRows(const QStringList& files)
+void FileListView::refreshCount()
 {
-    for (AutomatorFileRowView* row : std::as_const(m_rows)) {
-        row->hide();
-        row->deleteLater();
-    }
-    m_rows.clear();
-    const qsizetype count = files.size();
-    for (qsizetype index = 0; index < count; ++index) {
-        const QString file = files.at(index);
-        auto* row = new AutomatorFileRowView(
-            file, index, index == count - 1, [this, file] { m_model->removeFile(file); },
-            [this](const QString& draggedText, qint64 destination) {
-                m_model->handleRowDrop(draggedText, destination);
-            },
-            m_rowsHost);
-        connect(row, &AutomatorFileRowView::clicked, this,
-                [this, index](Qt::KeyboardModifiers modifiers) { selectRow(index, modifiers); });
-        m_rowsLayout->insertWidget(int(index), row);
-        m_rows.append(row);
-    }
-    // Indices name other files after any change of the list.
-    m_selected.clear();
-    m_current = std::min<qint64>(m_current, count - 1);
-    refreshSelection();
-
-    m_scroll->setVisible(count > 0);
+    const qsizetype count = m_model->fileList()->count();
+    m_rows->setVisible(count > 0);
     m_emptyState->setVisible(count == 0);
     m_countLabel->setText(countText(count));
     m_clearButton->setEnabled(count > 0);
-}
-
-void FileListView::selectRow(qint64 index, Qt::KeyboardModifiers modifiers)
-{
-    if (modifiers & Qt::ControlModifier) {
-        if (m_selected.contains(index))
-            m_selected.remove(index);
-        else
-            m_selected.insert(index);
-    } else {
-        m_selected = {index};
-    }
-    m_current = index;
-    setFocus(Qt::MouseFocusReason);
-    refreshSelection();
-}
-
-void FileListView::moveCurrent(int step)
-{
-    if (m_rows.isEmpty())
-        return;
-    const qint64 last = m_rows.size() - 1;
-    m_current =
-        m_current < 0 ? (step > 0 ? 0 : last) : std::clamp<qint64>(m_current + step, 0, last);
-    m_selected = {m_current};
-    refreshSelection();
-    m_scroll->ensureWidgetVisible(m_rows.at(m_current));
-}
-
-void FileListView::refreshSelection()
-{
-    for (AutomatorFileRowView* row : std::as_const(m_rows))
-        row->setSelected(m_selected.contains(row->index()));
 }
 
 void FileListView::keyPressEvent(QKeyEvent* event)
@@ -262,19 +434,15 @@ void FileListView::keyPressEvent(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        if (!m_selected.isEmpty()) {
+        if (m_rows->selectionModel()->hasSelection()) {
             removeSelected();
             event->accept();
             return;
         }
         break;
     case Qt::Key_Up:
-        moveCurrent(-1);
-        event->accept();
-        return;
     case Qt::Key_Down:
-        moveCurrent(1);
-        event->accept();
+        QCoreApplication::sendEvent(m_rows, event);
         return;
     default:
         break;
@@ -284,23 +452,14 @@ void FileListView::keyPressEvent(QKeyEvent* event)
 
 void FileListView::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!event->mimeData()->hasUrls()) {
+    if (!enterWithFiles(m_model, event))
         event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    m_model->setIsDragOver(true);
 }
 
 void FileListView::dragMoveEvent(QDragMoveEvent* event)
 {
-    if (!event->mimeData()->hasUrls()) {
+    if (!enterWithFiles(m_model, event))
         event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
 }
 
 void FileListView::dragLeaveEvent(QDragLeaveEvent* event)
@@ -311,14 +470,10 @@ void FileListView::dragLeaveEvent(QDragLeaveEvent* event)
 
 void FileListView::dropEvent(QDropEvent* event)
 {
-    if (!event->mimeData()->hasUrls()) {
-        event->ignore();
-        m_model->setIsDragOver(false);
+    if (dropFiles(m_model, event))
         return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    m_model->handleDrop(event->mimeData()->urls());
+    event->ignore();
+    m_model->setIsDragOver(false);
 }
 
 } // namespace Ondrilet

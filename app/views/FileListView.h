@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The left column's file list: the title with Add, the rows in list order (or an invitation to
-// drop files while the list is empty), the count and Clear. Files dropped from a file manager
-// anywhere on it go to the model; rows are selected by click and removed with Delete.
-// GUI thread only.
+// drop files while the list is empty), the count and Clear. The rows are a list view over the
+// model's file list, painted by AutomatorFileRowView. Files dropped from a file manager anywhere
+// on it go to the model; rows are selected by click and removed with Delete. GUI thread only.
 #pragma once
 
 #include <QList>
-#include <QSet>
-#include <QStringList>
 #include <QWidget>
 
 class QLabel;
+class QListView;
 class QPushButton;
-class QScrollArea;
-class QVBoxLayout;
 
 namespace Ondrilet {
 
@@ -27,7 +24,8 @@ class FileListView : public QWidget
 public:
     explicit FileListView(ContentViewModel* model, QWidget* parent = nullptr);
 
-    QList<AutomatorFileRowView*> rows() const { return m_rows; }
+    QListView* rowsView() const { return m_rows; }
+    AutomatorFileRowView* rowDelegate() const { return m_rowDelegate; }
     QPushButton* addButton() const { return m_addButton; }
     QPushButton* clearButton() const { return m_clearButton; }
     QLabel* countLabel() const { return m_countLabel; }
@@ -49,23 +47,15 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void rebuildRows(const QStringList& files);
-    void selectRow(qint64 index, Qt::KeyboardModifiers modifiers);
-    void moveCurrent(int step);
-    void refreshSelection();
+    void refreshCount();
 
     ContentViewModel* m_model = nullptr;
     QPushButton* m_addButton = nullptr;
     QPushButton* m_clearButton = nullptr;
     QLabel* m_countLabel = nullptr;
-    QWidget* m_frame = nullptr;
-    QScrollArea* m_scroll = nullptr;
-    QWidget* m_rowsHost = nullptr;
-    QVBoxLayout* m_rowsLayout = nullptr;
+    QListView* m_rows = nullptr;
+    AutomatorFileRowView* m_rowDelegate = nullptr;
     QWidget* m_emptyState = nullptr;
-    QList<AutomatorFileRowView*> m_rows;
-    QSet<qint64> m_selected;
-    qint64 m_current = -1;
 };
 
 } // namespace Ondrilet

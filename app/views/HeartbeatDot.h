@@ -21,8 +21,6 @@ public:
 
     bool isBeating() const { return m_beating; }
     void setBeating(bool beating);
-    // The opacity drawn now (moves towards 1.0 or 0.3 while the fade runs).
-    qreal opacity() const { return m_opacity; }
     // The opacity the dot is heading for.
     qreal targetOpacity() const { return m_beating ? 1.0 : dimmedOpacity; }
     QColor colour() const;

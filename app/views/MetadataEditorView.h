@@ -25,14 +25,7 @@ class MetadataEditorView : public QWidget
 public:
     explicit MetadataEditorView(MetadataEditorModel* model, QWidget* parent = nullptr);
 
-    QToolButton* disclosureButton() const { return m_disclosure; }
     QWidget* content() const { return m_content; }
-    QCheckBox* keepOriginalDateBox() const { return m_keepOriginalDate; }
-    QCheckBox* customDateBox() const { return m_useCustomDate; }
-    QDateTimeEdit* customDateEdit() const { return m_customDate; }
-    QCheckBox* writeDateToFilenameBox() const { return m_writeToFilename; }
-    QLabel* summaryLabel() const { return m_summary; }
-    QLineEdit* titleEdit() const { return m_title; }
 
     void refresh();
 

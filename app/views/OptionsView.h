@@ -19,9 +19,7 @@ public:
     explicit OptionsView(ContentViewModel* model, QWidget* parent = nullptr);
 
     QCheckBox* includeSettingsBox() const { return m_includeSettings; }
-    QCheckBox* overwriteBox() const { return m_overwrite; }
     QCheckBox* subfoldersBox() const { return m_subfolders; }
-    QCheckBox* sourceDirectoryBox() const { return m_sourceDirectory; }
 
     void refresh();
 

@@ -46,7 +46,6 @@ public:
     // True while the editor shows (a preset is selected), false while the hint does.
     bool isEditorShown() const;
     QLabel* hintLabel() const { return m_hint; }
-    SectionView* videoSection() const { return m_videoSection; }
 
 private:
     QWidget* makeListPane();

@@ -25,7 +25,6 @@ public:
     ProgressIndicatorView(ConversionEngine::EnhancedProgressTracker* tracker, bool compact,
                           QWidget* parent = nullptr);
 
-    bool isCompact() const { return m_compact; }
     QProgressBar* progressBar() const { return m_bar; }
     ElidedLabel* messageLabel() const { return m_message; }
     QBoxLayout* boxLayout() const { return m_layout; }

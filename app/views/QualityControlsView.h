@@ -21,11 +21,6 @@ class QualityControlsView : public QWidget
 public:
     explicit QualityControlsView(ContentViewModel* model, QWidget* parent = nullptr);
 
-    ChoiceBox* typeBox() const { return m_type; }
-    QSlider* crfSlider() const { return m_crfSlider; }
-    QLabel* crfValueLabel() const { return m_crfValue; }
-    QLabel* descriptionLabel() const { return m_description; }
-
     void refresh();
 
 private:

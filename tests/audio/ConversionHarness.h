@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Test helpers for the audio engine: a log of everything a tracker is told, read back from its
-// notifications, and a runner that drives one conversion to its end and keeps what it threw.
-// Test thread (the main thread) only.
+// notifications, one conversion driven to its end (the runner of tests/support), and settings as
+// the panel sends them. Test thread (the main thread) only.
 #pragma once
 
 #include "ConversionEngine/audio/AudioConverter.h"
-#include "ConversionEngine/errors/ConversionError.h"
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
-#include "platform/media/MediaError.h"
+#include "tests/support/ConversionOutcome.h"
 
-#include <QCoro/QCoroTask>
-#include <QElapsedTimer>
-#include <QEventLoop>
 #include <QObject>
 #include <QStringList>
-#include <QTest>
-#include <QTimer>
 
-#include <exception>
 #include <optional>
-#include <vector>
 
 namespace AudioTest {
 
@@ -96,51 +88,7 @@ private:
     bool m_starting = false;
 };
 
-// How one conversion ended.
-struct Outcome
-{
-    bool finished = false;
-    std::optional<ConversionEngine::ConversionError> conversionError;
-    std::optional<Platform::MediaError> mediaError;
-    QString otherError;
-    qint64 elapsedMilliseconds = 0;
-
-    bool succeeded() const
-    {
-        return finished && !conversionError && !mediaError && otherError.isEmpty();
-    }
-    QString describe() const
-    {
-        if (!finished)
-            return QStringLiteral("did not finish");
-        if (conversionError)
-            return QStringLiteral("ConversionError: ") + conversionError->errorDescription();
-        if (mediaError)
-            return QStringLiteral("MediaError %1: %2")
-                .arg(mediaError->code())
-                .arg(mediaError->localizedDescription());
-        if (!otherError.isEmpty())
-            return QStringLiteral("other error: ") + otherError;
-        return QStringLiteral("success");
-    }
-};
-
-// Each handler names its error differently: this compiler mixes up like-named locals of one
-// coroutine.
-inline QCoro::Task<> capture(QCoro::Task<> task, Outcome& outcome, QEventLoop& loop)
-{
-    try {
-        co_await std::move(task);
-    } catch (const ConversionEngine::ConversionError& conversionError) {
-        outcome.conversionError = conversionError;
-    } catch (const Platform::MediaError& mediaError) {
-        outcome.mediaError = mediaError;
-    } catch (const std::exception& otherError) {
-        outcome.otherError = QString::fromUtf8(otherError.what());
-    }
-    outcome.finished = true;
-    loop.quit();
-}
+using Outcome = TestSupport::ConversionOutcome;
 
 // Runs one conversion with the event loop turning. A conversion that hangs ends the test
 // program: nothing may wait on it any longer.
@@ -150,24 +98,11 @@ inline Outcome convert(ConversionEngine::AudioConverter& converter, const QStrin
                        ConversionEngine::ProgressSubject subject = {},
                        int timeoutMilliseconds = 30000)
 {
-    Outcome outcome;
-    QElapsedTimer clock;
-    clock.start();
-    QEventLoop loop;
-    QTimer watchdog;
-    watchdog.setSingleShot(true);
-    QObject::connect(&watchdog, &QTimer::timeout, [&] {
-        qFatal("The conversion of %s did not end within %d ms", qPrintable(source),
-               timeoutMilliseconds);
-    });
-    watchdog.start(timeoutMilliseconds);
-    QCoro::Task<> running =
-        capture(converter.extractAudio(source, output, format, settings, std::move(subject)),
-                outcome, loop);
-    if (!outcome.finished)
-        loop.exec();
-    outcome.elapsedMilliseconds = clock.elapsed();
-    return outcome;
+    return TestSupport::runToEnd(
+        [&] {
+            return converter.extractAudio(source, output, format, settings, std::move(subject));
+        },
+        source, timeoutMilliseconds);
 }
 
 // Settings as the panel would send them.

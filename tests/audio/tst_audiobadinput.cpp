@@ -2,9 +2,9 @@
 // Sources and settings the audio engine must refuse: each ends in its exact error and tracker
 // texts within seconds, leaves the source as it was and crashes nothing.
 #include "ConversionEngine/audio/AudioConverter.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/support/Fixtures.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +20,7 @@
 
 using namespace ConversionEngine;
 using TestSupport::Fixtures;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -9,11 +9,11 @@
 #include "ConversionEngine/level/PeakLevelPass.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/memory/StreamingBufferProcessor.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "tests/audio/ConversionHarness.h"
 #include "tests/support/Fixtures.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoro/QCoroTask>
 #include <QDir>
@@ -30,6 +30,7 @@
 using namespace ConversionEngine;
 using AudioTest::TrackerLog;
 using TestSupport::Fixtures;
+using TestSupport::ManualProgressClock;
 
 namespace {
 
@@ -290,10 +291,10 @@ private slots:
         const QString output = outputPath(QStringLiteral("cancel-asked.wav"));
         AudioTest::Outcome outcome;
         QEventLoop loop;
-        QCoro::Task<> running =
-            AudioTest::capture(converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
-                                                      AudioTest::settingsFor(AudioCodec::pcm), {}),
-                               outcome, loop);
+        QCoro::Task<> running = TestSupport::captureOutcome(
+            converter.extractAudio(m_stereo48k, output, AudioFormat::wav,
+                                   AudioTest::settingsFor(AudioCodec::pcm), {}),
+            outcome, &loop);
         // The run is under way and suspended at its first load.
         QVERIFY(converter.progressTracker()->isActive());
         converter.progressTracker()->requestCancellation();

@@ -4,8 +4,8 @@
 // paced progress reports, the finish and the single resumption.
 #include "ConversionEngine/audio/AudioSamplePump.h"
 #include "ConversionEngine/core/Limiter.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "tests/audio/ConversionHarness.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QTest>
 
@@ -17,6 +17,7 @@ using Platform::AssetReader;
 using Platform::AssetWriter;
 using Platform::MediaTime;
 using Platform::SampleBuffer;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/AppMemoryManager.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QTest>
 #include <QTimer>
 
-using ConversionEngine::ManualProgressClock;
 using Ondrilet::AppMemoryManager;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/BatchProgressManager.h"
+#include "app/batch/ProgressTexts.h"
 #include "platform/media/SampleBuffer.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,13 +17,14 @@
 #include <vector>
 
 using ConversionEngine::ConversionPhase;
-using ConversionEngine::ManualProgressClock;
 using ConversionEngine::MemoryManager;
 using ConversionEngine::MemoryStats;
 using Ondrilet::BatchConversionStats;
 using Ondrilet::BatchProgressManager;
 using Ondrilet::FileConversionProgress;
 using Ondrilet::FileConversionStatus;
+using Ondrilet::ProgressTexts;
+using TestSupport::ManualProgressClock;
 
 namespace {
 
@@ -213,7 +215,8 @@ private slots:
         QCOMPARE(stats.totalProgress, 0.25);
         QCOMPARE(*stats.overallTimeRemaining, 12.0); // 4 / 0.25 − 4
         QCOMPARE(stats.estimatedEndTime, std::optional<QDateTime>(clock.now().addSecs(12)));
-        QCOMPARE(manager.processingSpeedText(), QStringLiteral("0.0 MB/s"));
+        QCOMPARE(ProgressTexts::speedText(manager.batchStats().averageProcessingSpeed),
+                 QStringLiteral("0.0 MB/s"));
 
         clock.advance(2);
         manager.updateFileProgress(m_twoMiB, ConversionPhase::processingVideo, 0.75);
@@ -222,7 +225,8 @@ private slots:
         QCOMPARE(*file.timeRemaining, 2.0);
         stats = manager.batchStats();
         QCOMPARE(stats.averageProcessingSpeed, 0.25);
-        QCOMPARE(manager.processingSpeedText(), QStringLiteral("0.2 MB/s"));
+        QCOMPARE(ProgressTexts::speedText(manager.batchStats().averageProcessingSpeed),
+                 QStringLiteral("0.2 MB/s"));
 
         // A completed file leaves the mean at once; with nothing processing it is 0.
         manager.completeFile(m_twoMiB, m_oneMiB);
@@ -243,7 +247,8 @@ private slots:
         manager.updateFileProgress(m_oneMiB, ConversionPhase::processingAudio, 0.5); // 0.5 MB/s
         manager.updateFileProgress(m_oneMiB, ConversionPhase::processingAudio, 0.5);
         QCOMPARE(manager.batchStats().averageProcessingSpeed, 0.75);
-        QCOMPARE(manager.processingSpeedText(), QStringLiteral("0.8 MB/s"));
+        QCOMPARE(ProgressTexts::speedText(manager.batchStats().averageProcessingSpeed),
+                 QStringLiteral("0.8 MB/s"));
         manager.failFile(m_oneMiB, QStringLiteral("Audio writer failed"));
         QCOMPARE(manager.batchStats().averageProcessingSpeed, 1.0);
     }
@@ -253,14 +258,14 @@ private slots:
         ManualProgressClock clock;
         BatchProgressManager manager;
         QCOMPARE(manager.compressionRatio(), 0.0);
-        QCOMPARE(manager.compressionRatioText(), QStringLiteral("0.0%"));
+        QCOMPARE(ProgressTexts::ratioText(manager.compressionRatio()), QStringLiteral("0.0%"));
         manager.startBatch({m_twoMiB, m_missing});
         clock.advance(1);
         manager.completeFile(m_twoMiB, m_oneMiB);
         QCOMPARE(manager.fileProgresses().front().outputSize, mebibyte);
         QCOMPARE(manager.fileProgresses().front().outputFile, std::optional<QString>(m_oneMiB));
         QCOMPARE(manager.batchStats().totalOutputSize, mebibyte);
-        QCOMPARE(manager.compressionRatioText(), QStringLiteral("50.0%"));
+        QCOMPARE(ProgressTexts::ratioText(manager.compressionRatio()), QStringLiteral("50.0%"));
     }
 
     void aVanishedOutputLeavesTheSizeAtZero()
@@ -271,7 +276,7 @@ private slots:
         manager.completeFile(m_twoMiB, m_directory.filePath(QStringLiteral("vanished.mov")));
         QCOMPARE(manager.fileProgresses().front().outputSize, qint64(0));
         QCOMPARE(manager.batchStats().totalOutputSize, qint64(0));
-        QCOMPARE(manager.compressionRatioText(), QStringLiteral("0.0%"));
+        QCOMPARE(ProgressTexts::ratioText(manager.compressionRatio()), QStringLiteral("0.0%"));
     }
 
     void pauseAndResumeOnlyChangeFlags()
@@ -318,7 +323,8 @@ private slots:
         manager.progressTimerFired();
         QCOMPARE(manager.memoryStats().currentUsage, mebibyte);
         QCOMPARE(manager.memoryStats().activeBuffers, 256);
-        QCOMPARE(manager.memoryUsageText(), QStringLiteral("1.0 MB"));
+        QCOMPARE(ProgressTexts::sizeText(manager.memoryStats().currentUsage),
+                 QStringLiteral("1.0 MB"));
 
         manager.startBatch({m_twoMiB, m_oneMiB});
         manager.pauseBatch();

@@ -21,6 +21,7 @@ private slots:
     void percentagesAreWholeAndTruncated();
     void countOfFiles();
     void figuresWithOneDecimalInAnyLocale();
+    void aSpeedOverNoTimeReadsAsZero();
     void unknownTimesGiveNoLine();
     void knownTimesGiveTheirLine();
     void phaseColours();
@@ -51,6 +52,17 @@ void ProgressTextsTest::figuresWithOneDecimalInAnyLocale()
     QCOMPARE(ProgressTexts::sizeText(3 * 1024 * 1024 + 512 * 1024), QStringLiteral("3.5 MB"));
     std::setlocale(LC_ALL, saved.constData());
     QLocale::setDefault(QLocale::c());
+}
+
+void ProgressTextsTest::aSpeedOverNoTimeReadsAsZero()
+{
+    const double zero = 0.0;
+    QCOMPARE(ProgressTexts::speedText(1.5 / zero), QStringLiteral("0.0 MB/s"));
+    QCOMPARE(ProgressTexts::speedText(zero / zero), QStringLiteral("0.0 MB/s"));
+    QCOMPARE(ProgressTexts::speedText(-std::numeric_limits<double>::infinity()),
+             QStringLiteral("0.0 MB/s"));
+    QCOMPARE(ProgressTexts::speedText(0.04), QStringLiteral("0.0 MB/s"));
+    QCOMPARE(ProgressTexts::speedText(0.06), QStringLiteral("0.1 MB/s"));
 }
 
 void ProgressTextsTest::unknownTimesGiveNoLine()

@@ -10,6 +10,7 @@
 #include "cli/HelpText.h"
 #include "cli/MeasureReport.h"
 #include "platform/foundation/UserDefaults.h"
+#include "tests/support/CliCase.h"
 #include "tests/support/Fixtures.h"
 
 #include <QCborMap>
@@ -28,16 +29,12 @@
 #include <csignal>
 
 using namespace Ondrilet;
+using TestSupport::CliCase;
 using TestSupport::Fixtures;
 
 namespace {
 
-struct Result
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
+using Result = TestSupport::ProgramResult;
 
 const QString presetListing =
     QStringLiteral("H.264 Broadcast 25fps\tMOV, H.264, PCM\n"
@@ -71,60 +68,18 @@ class TestCliEndToEnd : public QObject
 private:
     QTemporaryDir m_root;
     QString m_tone; // 2 s, 44.1 kHz stereo, 16-bit WAV, kept pristine; tests copy it
-    QString m_home;
-    QString m_work;
-    QString m_out;
+    CliCase m_cli{QStringLiteral(ONDRILET_CLI_EXECUTABLE)};
 
-    // Runs the program in m_work with a home directory of the current test's own.
-    Result run(const QStringList& arguments)
-    {
-        QProcess process;
-        startInWork(process, arguments);
-        if (!process.waitForFinished(120000))
-            qFatal("ondrilet-cli did not finish");
-        Result result;
-        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
-    }
-
-    void startInWork(QProcess& process, const QStringList& arguments)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), m_home);
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
-        environment.remove(QStringLiteral("QT_LOGGING_RULES"));
-        environment.remove(QStringLiteral("QT_MESSAGE_PATTERN"));
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(m_work);
-        process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
-    }
-
-    // Starts converting `names` to AAC in M4A files below m_out.
+    // Starts converting `names` to AAC in M4A files below m_cli.out().
     void startAacConversion(QProcess& process, const QStringList& names)
     {
-        startInWork(process,
+        m_cli.start(process,
                     names + QStringList{QStringLiteral("--format"), QStringLiteral("m4a"),
                                         QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                                        QStringLiteral("--output-dir"), m_out});
+                                        QStringLiteral("--output-dir"), m_cli.out()});
     }
 
-    // Reads `channel` until `text` has appeared in it.
-    static bool waitForOutput(QProcess& process, const QString& text,
-                              QProcess::ProcessChannel channel = QProcess::StandardOutput)
-    {
-        process.setReadChannel(channel);
-        QByteArray seen;
-        while (!seen.contains(text.toUtf8())) {
-            if (process.bytesAvailable() == 0 && !process.waitForReadyRead(60000))
-                return false;
-            seen += process.readAll();
-        }
-        return true;
-    }
-
-    // `count` copies of a 48 kHz stereo tone of `seconds` in m_work, named a.wav, b.wav, …
+    // `count` copies of a 48 kHz stereo tone of `seconds` in m_cli.work(), named a.wav, b.wav, …
     QStringList longTones(int count, double seconds = 15.0)
     {
         const QString tone = Fixtures::makeTone(
@@ -132,15 +87,7 @@ private:
             seconds, 48000, 2, {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
         if (tone.isEmpty())
             qFatal("%s", qPrintable(Fixtures::lastError()));
-        QStringList names;
-        for (int i = 0; i < count; ++i) {
-            const QString name = QChar(u'a' + i) + QStringLiteral(".wav");
-            QFile::remove(m_work + QLatin1Char('/') + name);
-            if (!QFile::copy(tone, m_work + QLatin1Char('/') + name))
-                qFatal("cannot copy the long tone");
-            names.append(name);
-        }
-        return names;
+        return m_cli.copiesInWork(tone, count, QStringLiteral("wav"));
     }
 
     QString copyTone(const QString& directory, const QString& name)
@@ -164,20 +111,13 @@ private slots:
 
     void init()
     {
-        static int count = 0;
-        const QString base = m_root.filePath(QStringLiteral("case%1").arg(++count));
-        m_home = base + QStringLiteral("/home");
-        m_work = base + QStringLiteral("/work");
-        m_out = base + QStringLiteral("/out");
-        QVERIFY(QDir().mkpath(m_home));
-        QVERIFY(QDir().mkpath(m_work));
-        QVERIFY(QDir().mkpath(m_out));
-        copyTone(m_work, QStringLiteral("a.wav"));
+        QVERIFY(m_cli.beginCase(m_root.path()));
+        copyTone(m_cli.work(), QStringLiteral("a.wav"));
     }
 
     void version()
     {
-        const Result result = run({QStringLiteral("--version")});
+        const Result result = m_cli.run({QStringLiteral("--version")});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, QStringLiteral("ondrilet-cli " ONDRILET_VERSION "\n"));
         QCOMPARE(result.err, QString());
@@ -185,11 +125,11 @@ private slots:
 
     void help()
     {
-        const Result result = run({QStringLiteral("a.wav"), QStringLiteral("--help")});
+        const Result result = m_cli.run({QStringLiteral("a.wav"), QStringLiteral("--help")});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, HelpText::help());
         QCOMPARE(result.err, QString());
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
     }
 
     void usageErrors_data()
@@ -224,18 +164,18 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(QString, message);
         if (message.contains(QStringLiteral("%1")))
-            message = message.arg(m_work);
-        const Result result = run(arguments);
+            message = message.arg(m_cli.work());
+        const Result result = m_cli.run(arguments);
         QCOMPARE(result.exitCode, 2);
         QCOMPARE(result.err, usageFailure(message));
         // Refused before the window opened: not one console line.
         QCOMPARE(result.out, QString());
-        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), QStringList{QStringLiteral("a.wav")});
     }
 
     void listPresets()
     {
-        const Result result = run({QStringLiteral("--list-presets")});
+        const Result result = m_cli.run({QStringLiteral("--list-presets")});
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(result.out, presetListing);
         QCOMPARE(result.err, QString());
@@ -243,13 +183,13 @@ private slots:
 
     void unsupportedFileRefusesTheWholeRun()
     {
-        QFile notes(m_work + QStringLiteral("/notes.txt"));
+        QFile notes(m_cli.work() + QStringLiteral("/notes.txt"));
         QVERIFY(notes.open(QIODevice::WriteOnly));
         notes.write("not media\n");
         notes.close();
 
-        Result result = run({QStringLiteral("a.wav"), QStringLiteral("notes.txt"),
-                             QStringLiteral("--output-dir"), m_out});
+        Result result = m_cli.run({QStringLiteral("a.wav"), QStringLiteral("notes.txt"),
+                                   QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err,
                  QStringLiteral("Unsupported File Type\n"
@@ -257,12 +197,12 @@ private slots:
                                 "ondrilet-cli: nothing was converted; give audio and video files "
                                 "only\n"));
         QCOMPARE(result.out, QString());
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
 
-        QVERIFY(
-            QFile::copy(m_work + QStringLiteral("/notes.txt"), m_work + QStringLiteral("/README")));
-        result =
-            run({QStringLiteral("notes.txt"), QStringLiteral("a.wav"), QStringLiteral("README")});
+        QVERIFY(QFile::copy(m_cli.work() + QStringLiteral("/notes.txt"),
+                            m_cli.work() + QStringLiteral("/README")));
+        result = m_cli.run(
+            {QStringLiteral("notes.txt"), QStringLiteral("a.wav"), QStringLiteral("README")});
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err,
                  QStringLiteral("Unsupported File Types\n"
@@ -276,13 +216,15 @@ private slots:
     // -23 LUFS) stands, and the window's options: settings in the name, subfolders, overwrite.
     void firstPresetAndWindowOptions()
     {
-        const Result result = run({QStringLiteral("a.wav"), QStringLiteral("--format"),
-                                   QStringLiteral("wav"), QStringLiteral("--output-dir"), m_out});
+        const Result result =
+            m_cli.run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("wav"),
+                       QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList{output});
+        const TestSupport::AudioStreamProbe probe =
+            Fixtures::probeAudio(m_cli.out() + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
         QCOMPARE(probe.channels, 2);
@@ -296,7 +238,8 @@ private slots:
         QVERIFY(result.out.endsWith(QLatin1Char('\n')));
 
         // The loudness target was met: the output measures -23 LUFS.
-        const Result measured = run({QStringLiteral("--measure"), m_out + '/' + output});
+        const Result measured =
+            m_cli.run({QStringLiteral("--measure"), m_cli.out() + '/' + output});
         QCOMPARE(measured.exitCode, 0);
         const QJsonObject json = QJsonDocument::fromJson(measured.out.toUtf8()).object();
         QVERIFY2(std::abs(json.value(QStringLiteral("integratedLUFS")).toDouble() + 23.0) < 0.2,
@@ -305,14 +248,16 @@ private slots:
 
     void audioPreset()
     {
-        const Result result = run({QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
-                                   QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
-                                   QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+        const Result result =
+            m_cli.run({QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
+                       QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
+                       QStringLiteral("--output-dir"), m_cli.out(), QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         const QString output = QStringLiteral("a (AAC_256k_44.1kHz).m4a");
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList{output});
+        const TestSupport::AudioStreamProbe probe =
+            Fixtures::probeAudio(m_cli.out() + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, 44100);
         // An audio preset prints nothing of its own; only the window's first preset is told.
@@ -370,11 +315,11 @@ private slots:
     // format change runs the codec check.
     void presetFirstThenOptionsInOrder()
     {
-        const Result result =
-            run({QStringLiteral("--format"), QStringLiteral("wav"), QStringLiteral("--audio-codec"),
-                 QStringLiteral("aac"), QStringLiteral("a.wav"), QStringLiteral("--preset"),
-                 QStringLiteral("ALAC 24/96"), QStringLiteral("--no-subfolders"),
-                 QStringLiteral("--output-dir"), m_out, QStringLiteral("--no-level")});
+        const Result result = m_cli.run(
+            {QStringLiteral("--format"), QStringLiteral("wav"), QStringLiteral("--audio-codec"),
+             QStringLiteral("aac"), QStringLiteral("a.wav"), QStringLiteral("--preset"),
+             QStringLiteral("ALAC 24/96"), QStringLiteral("--no-subfolders"),
+             QStringLiteral("--output-dir"), m_cli.out(), QStringLiteral("--no-level")});
         // ALAC 24/96, then WAV (the check makes it PCM), then AAC by hand, which nothing
         // corrects: the WAV writer refuses AAC.
         QCOMPARE(result.exitCode, 1);
@@ -383,23 +328,24 @@ private slots:
                                 "format settings\n\nTry using different conversion settings or "
                                 "check the input file.\n"));
         QVERIFY(result.out.contains(QStringLiteral("   Output format: audio(wav)")));
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
     }
 
     void codecCheckRunsAfterFormat()
     {
-        const Result result = run({QStringLiteral("--preset"), QStringLiteral("ALAC 24/96"),
-                                   QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                                   QStringLiteral("--format"), QStringLiteral("wav"),
-                                   QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
-                                   QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+        const Result result = m_cli.run(
+            {QStringLiteral("--preset"), QStringLiteral("ALAC 24/96"),
+             QStringLiteral("--audio-codec"), QStringLiteral("aac"), QStringLiteral("--format"),
+             QStringLiteral("wav"), QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
+             QStringLiteral("--output-dir"), m_cli.out(), QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         // ALAC 24/96, then AAC by hand, then WAV: the check makes it PCM; the preset has no
         // depth, so 16 bit stands; its 96 kHz stays.
         const QString output = QStringLiteral("a (PCM_96kHz_16bit).wav");
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
-        const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(m_out + '/' + output);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList{output});
+        const TestSupport::AudioStreamProbe probe =
+            Fixtures::probeAudio(m_cli.out() + '/' + output);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s16le"));
         QCOMPARE(probe.sampleRate, 96000);
     }
@@ -426,25 +372,26 @@ private slots:
     {
         QFETCH(QStringList, level);
         QFETCH(QString, output);
-        const Result result = run(
-            QStringList{QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("wav"),
-                        QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_out} +
-            level);
+        const Result result =
+            m_cli.run(QStringList{QStringLiteral("a.wav"), QStringLiteral("--format"),
+                                  QStringLiteral("wav"), QStringLiteral("--no-subfolders"),
+                                  QStringLiteral("--output-dir"), m_cli.out()} +
+                      level);
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{output});
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList{output});
     }
 
     void peakTargetIsMet()
     {
-        const Result result = run(
+        const Result result = m_cli.run(
             {QStringLiteral("a.wav"), QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
              QStringLiteral("--peak-target"), QStringLiteral("-6.5"),
-             QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_out});
+             QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.exitCode, 0);
-        const QString output = m_out + QStringLiteral("/a (PCM_48kHz_24bit_dBFS-6.5).wav");
+        const QString output = m_cli.out() + QStringLiteral("/a (PCM_48kHz_24bit_dBFS-6.5).wav");
         QVERIFY(QFileInfo::exists(output));
-        const Result measured = run({QStringLiteral("--measure"), output});
+        const Result measured = m_cli.run({QStringLiteral("--measure"), output});
         QCOMPARE(measured.exitCode, 0);
         const QJsonObject json = QJsonDocument::fromJson(measured.out.toUtf8()).object();
         QVERIFY2(std::abs(json.value(QStringLiteral("peakDB")).toDouble() + 6.5) < 0.05,
@@ -454,23 +401,25 @@ private slots:
     void namesWithoutSettingsAndWithTheDate()
     {
         const Result result =
-            run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("m4a"),
-                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
-                 QStringLiteral("--date"), QStringLiteral("2021-03-04T12:00:00"),
-                 QStringLiteral("--date-in-name"), QStringLiteral("--title"),
-                 QStringLiteral("Take Two"), QStringLiteral("--year"), QStringLiteral("1999"),
-                 QStringLiteral("--output-dir"), m_out});
+            m_cli.run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("m4a"),
+                       QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
+                       QStringLiteral("--date"), QStringLiteral("2021-03-04T12:00:00"),
+                       QStringLiteral("--date-in-name"), QStringLiteral("--title"),
+                       QStringLiteral("Take Two"), QStringLiteral("--year"), QStringLiteral("1999"),
+                       QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{QStringLiteral("a_2021-03-04.m4a")});
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()),
+                 QStringList{QStringLiteral("a_2021-03-04.m4a")});
         QVERIFY(
             result.out.contains(QStringLiteral("🔄 Auto-applying metadata changes to 1 files:")));
         QVERIFY(result.out.contains(QStringLiteral("🔄 Auto-applying metadata for conversion:")));
 
         // The edits stand in the preferences as the metadata editor stores them.
-        Platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        Platform::UserDefaults defaults(m_cli.home() +
+                                        QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
         const std::optional<QCborMap> stored =
-            PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/a.wav"));
+            PendingMetadataStore(&defaults).read(m_cli.work() + QStringLiteral("/a.wav"));
         QVERIFY(stored);
         QCOMPARE(stored->value(PendingMetadataStore::titleKey).toString(),
                  QStringLiteral("Take Two"));
@@ -484,24 +433,26 @@ private slots:
     void keepOriginalDateNamesTheOutputWithTheSourcesDate()
     {
         QVERIFY(Fixtures::runFfmpeg(
-            {QStringLiteral("-i"), m_work + QStringLiteral("/a.wav"), QStringLiteral("-c:a"),
+            {QStringLiteral("-i"), m_cli.work() + QStringLiteral("/a.wav"), QStringLiteral("-c:a"),
              QStringLiteral("aac"), QStringLiteral("-metadata"),
              QStringLiteral("creation_time=2010-07-01T08:30:00Z"), QStringLiteral("-metadata"),
-             QStringLiteral("title=Harbour"), m_work + QStringLiteral("/clip.m4a")}));
-        const Result result =
-            run({QStringLiteral("clip.m4a"), QStringLiteral("--format"), QStringLiteral("wav"),
-                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
-                 QStringLiteral("--keep-original-date"), QStringLiteral("--date-in-name"),
-                 QStringLiteral("--output-dir"), m_out});
+             QStringLiteral("title=Harbour"), m_cli.work() + QStringLiteral("/clip.m4a")}));
+        const Result result = m_cli.run(
+            {QStringLiteral("clip.m4a"), QStringLiteral("--format"), QStringLiteral("wav"),
+             QStringLiteral("--no-settings-in-name"), QStringLiteral("--no-subfolders"),
+             QStringLiteral("--keep-original-date"), QStringLiteral("--date-in-name"),
+             QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(
             QStringLiteral("✅ Found asset creation date: 2010-07-01T08:30:00Z\n")));
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList{QStringLiteral("clip_2010-07-01.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()),
+                 QStringList{QStringLiteral("clip_2010-07-01.wav")});
         // The title read from the file is among the edits stored for it.
-        Platform::UserDefaults defaults(m_home + QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
+        Platform::UserDefaults defaults(m_cli.home() +
+                                        QStringLiteral("/.config/Ondrilet/Ondrilet.conf"));
         const std::optional<QCborMap> stored =
-            PendingMetadataStore(&defaults).read(m_work + QStringLiteral("/clip.m4a"));
+            PendingMetadataStore(&defaults).read(m_cli.work() + QStringLiteral("/clip.m4a"));
         QVERIFY(stored);
         QCOMPARE(stored->value(PendingMetadataStore::titleKey).toString(),
                  QStringLiteral("Harbour"));
@@ -509,19 +460,19 @@ private slots:
 
     void besideTheSourceAndTwoFiles()
     {
-        copyTone(m_work, QStringLiteral("b.wav"));
+        copyTone(m_cli.work(), QStringLiteral("b.wav"));
         const Result result =
-            run({QStringLiteral("a.wav"), QStringLiteral("b.wav"), QStringLiteral("a.wav"),
-                 QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
-                 QStringLiteral("--beside-source"), QStringLiteral("--audio-bitrate"),
-                 QStringLiteral("128")});
+            m_cli.run({QStringLiteral("a.wav"), QStringLiteral("b.wav"), QStringLiteral("a.wav"),
+                       QStringLiteral("--preset"), QStringLiteral("AAC 256k/44.1"),
+                       QStringLiteral("--beside-source"), QStringLiteral("--audio-bitrate"),
+                       QStringLiteral("128")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         // The files arrive as from the file manager, which drops only files listed already: a
         // file named twice on one command line is converted twice, into the same output.
         QVERIFY(result.out.contains(
             QStringLiteral("   Selected files: [\"a.wav\", \"b.wav\", \"a.wav\"]")));
-        QCOMPARE(Fixtures::filesBelow(m_work),
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()),
                  (QStringList{QStringLiteral("Audio/m4a/a (AAC_128k_44.1kHz).m4a"),
                               QStringLiteral("Audio/m4a/b (AAC_128k_44.1kHz).m4a"),
                               QStringLiteral("a.wav"), QStringLiteral("b.wav")}));
@@ -529,7 +480,7 @@ private slots:
 
     void overwriteQuestion()
     {
-        const QString source = m_work + QStringLiteral("/a.wav");
+        const QString source = m_cli.work() + QStringLiteral("/a.wav");
         const QByteArray before = Fixtures::sha256(source);
         const QStringList arguments{QStringLiteral("--preset"),
                                     QStringLiteral("WAV 24/48 (PCM)"),
@@ -538,18 +489,18 @@ private slots:
                                     QStringLiteral("--no-subfolders"),
                                     QStringLiteral("a.wav")};
 
-        Result result = run(arguments);
+        Result result = m_cli.run(arguments);
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err, overwriteRefusal);
         QVERIFY(result.out.contains(QStringLiteral("🚀 Starting conversion:")));
         QCOMPARE(Fixtures::sha256(source), before);
-        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), QStringList{QStringLiteral("a.wav")});
 
-        result = run(arguments + QStringList{QStringLiteral("--yes")});
+        result = m_cli.run(arguments + QStringList{QStringLiteral("--yes")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.wav")));
-        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), QStringList{QStringLiteral("a.wav")});
         const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(source);
         QCOMPARE(probe.codecName, QStringLiteral("pcm_s24le"));
         QCOMPARE(probe.sampleRate, 48000);
@@ -560,14 +511,14 @@ private slots:
     void noQuestionWithoutOverwrite()
     {
         const Result result =
-            run({QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
-                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--beside-source"),
-                 QStringLiteral("--no-subfolders"), QStringLiteral("--no-overwrite"),
-                 QStringLiteral("a.wav")});
+            m_cli.run({QStringLiteral("--preset"), QStringLiteral("WAV 24/48 (PCM)"),
+                       QStringLiteral("--no-settings-in-name"), QStringLiteral("--beside-source"),
+                       QStringLiteral("--no-subfolders"), QStringLiteral("--no-overwrite"),
+                       QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.wav")});
-        QCOMPARE(Fixtures::probeAudio(m_work + QStringLiteral("/a.wav")).codecName,
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), QStringList{QStringLiteral("a.wav")});
+        QCOMPARE(Fixtures::probeAudio(m_cli.work() + QStringLiteral("/a.wav")).codecName,
                  QStringLiteral("pcm_s24le"));
     }
 
@@ -577,23 +528,24 @@ private slots:
                                     QStringLiteral("--format"),
                                     QStringLiteral("wav"),
                                     QStringLiteral("--output-dir"),
-                                    m_out,
+                                    m_cli.out(),
                                     QStringLiteral("--no-overwrite")};
-        QCOMPARE(run(arguments).exitCode, 0);
-        const QString output = m_out + QStringLiteral("/Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
+        QCOMPARE(m_cli.run(arguments).exitCode, 0);
+        const QString output =
+            m_cli.out() + QStringLiteral("/Audio/wav/a (PCM_48kHz_24bit_LUFS-23).wav");
         const QByteArray first = Fixtures::sha256(output);
         QVERIFY(!first.isEmpty());
 
-        Result result = run(arguments);
+        Result result = m_cli.run(arguments);
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err, QStringLiteral("An unexpected error occurred: Output file already "
                                             "exists (overwrite disabled)\n"));
         QCOMPARE(Fixtures::sha256(output), first);
 
         // PCM chosen by hand for an M4A output: the writer refuses it.
-        result = run({QStringLiteral("a.wav"), QStringLiteral("--format"), QStringLiteral("m4a"),
-                      QStringLiteral("--audio-codec"), QStringLiteral("pcm"),
-                      QStringLiteral("--output-dir"), m_out});
+        result = m_cli.run({QStringLiteral("a.wav"), QStringLiteral("--format"),
+                            QStringLiteral("m4a"), QStringLiteral("--audio-codec"),
+                            QStringLiteral("pcm"), QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err,
                  QStringLiteral("Conversion failed: Cannot add writer input - incompatible output "
@@ -609,13 +561,13 @@ private slots:
         const QStringList names = longTones(4, 30.0);
         QProcess process;
         startAacConversion(process, names);
-        QVERIFY(waitForOutput(process, QStringLiteral("metadata for: b.wav")));
+        QVERIFY(CliCase::waitForOutput(process, QStringLiteral("metadata for: b.wav")));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(120000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 130);
 
-        const QStringList outputs = Fixtures::filesBelow(m_out);
+        const QStringList outputs = Fixtures::filesBelow(m_cli.out());
         QVERIFY2(outputs.size() >= 2 && outputs.size() < names.size(),
                  qPrintable(outputs.join(u',')));
         QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
@@ -627,7 +579,7 @@ private slots:
             QCOMPARE(outputs.at(i), QStringLiteral("Audio/m4a/%1 (AAC_256k_48kHz_LUFS-23).m4a")
                                         .arg(names.at(i).chopped(4)));
             const TestSupport::AudioStreamProbe probe =
-                Fixtures::probeAudio(m_out + QLatin1Char('/') + outputs.at(i));
+                Fixtures::probeAudio(m_cli.out() + QLatin1Char('/') + outputs.at(i));
             QCOMPARE(probe.codecName, QStringLiteral("aac"));
             QVERIFY2(std::abs(probe.durationSeconds - 30.0) < 0.1,
                      qPrintable(QString::number(probe.durationSeconds)));
@@ -639,14 +591,14 @@ private slots:
     void aSecondCtrlCQuitsAndRemovesTheUnfinishedOutput()
     {
         const QStringList names = longTones(1, 60.0);
-        const QByteArray before = Fixtures::sha256(m_work + QStringLiteral("/a.wav"));
+        const QByteArray before = Fixtures::sha256(m_cli.work() + QStringLiteral("/a.wav"));
         QProcess process;
         startAacConversion(process, names);
         // The first output is on the disk: its writer has it open.
-        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_cli.out()).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
-        QVERIFY(waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
-                              QProcess::StandardError));
+        QVERIFY(CliCase::waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
+                                       QProcess::StandardError));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(20000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -657,10 +609,10 @@ private slots:
         QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
                     .endsWith(QStringLiteral("🗑️ Removed unfinished output: a "
                                              "(AAC_256k_48kHz_LUFS-23).m4a\n")));
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
-        QCOMPARE(Fixtures::filesBelow(m_work), names);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), names);
         for (const QString& name : names)
-            QCOMPARE(Fixtures::sha256(m_work + QLatin1Char('/') + name), before);
+            QCOMPARE(Fixtures::sha256(m_cli.work() + QLatin1Char('/') + name), before);
     }
 
     // Told to end (a plain kill) while the file is being written: it quits now with 143 and
@@ -670,7 +622,7 @@ private slots:
         const QStringList names = longTones(1, 60.0);
         QProcess process;
         startAacConversion(process, names);
-        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
+        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_cli.out()).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGTERM), 0);
         QVERIFY(process.waitForFinished(20000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -680,13 +632,13 @@ private slots:
         QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
                     .endsWith(QStringLiteral("🗑️ Removed unfinished output: a "
                                              "(AAC_256k_48kHz_LUFS-23).m4a\n")));
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
     }
 
     void measure()
     {
-        const QString path = m_work + QStringLiteral("/a.wav");
-        const Result result = run({QStringLiteral("--measure"), QStringLiteral("a.wav")});
+        const QString path = m_cli.work() + QStringLiteral("/a.wav");
+        const Result result = m_cli.run({QStringLiteral("--measure"), QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
 
@@ -708,19 +660,20 @@ private slots:
 
     void measureFailures()
     {
-        QFile notMedia(m_work + QStringLiteral("/notes.wav"));
+        QFile notMedia(m_cli.work() + QStringLiteral("/notes.wav"));
         QVERIFY(notMedia.open(QIODevice::WriteOnly));
         notMedia.write("hello\n");
         notMedia.close();
-        Result result = run({QStringLiteral("--measure"), QStringLiteral("notes.wav")});
+        Result result = m_cli.run({QStringLiteral("--measure"), QStringLiteral("notes.wav")});
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.out, QString());
         QCOMPARE(result.err,
                  QStringLiteral("The file \u201cnotes.wav\u201d is not in a recognized format.\n"));
 
-        const QString video = Fixtures::makeVideo(m_work, QStringLiteral("silent.mp4"), 1.0, false);
+        const QString video =
+            Fixtures::makeVideo(m_cli.work(), QStringLiteral("silent.mp4"), 1.0, false);
         QVERIFY2(!video.isEmpty(), qPrintable(Fixtures::lastError()));
-        result = run({QStringLiteral("--measure"), QStringLiteral("silent.mp4")});
+        result = m_cli.run({QStringLiteral("--measure"), QStringLiteral("silent.mp4")});
         QCOMPARE(result.exitCode, 1);
         QCOMPARE(result.err, QStringLiteral("No audio track found\n"));
     }

@@ -4,6 +4,7 @@
 // overwrite rule, two files in a row, sound taken out of a video by the audio engine, a camera's
 // tags and the typed ones in the output, and Ctrl-C once (finish the file in hand) and twice
 // (quit, removing the unfinished output).
+#include "tests/support/CliCase.h"
 #include "tests/support/Fixtures.h"
 
 #include <QDateTime>
@@ -18,16 +19,12 @@
 
 #include <csignal>
 
+using TestSupport::CliCase;
 using TestSupport::Fixtures;
 
 namespace {
 
-struct Result
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
+using Result = TestSupport::ProgramResult;
 
 QJsonObject firstStream(const QString& path, const QString& type)
 {
@@ -46,49 +43,9 @@ class TestCliVideo : public QObject
 
     QTemporaryDir m_root;
     QString m_clip; // 2 s, 320×240, 25 fps, H.264 with AAC sound
-    QString m_home;
-    QString m_work;
-    QString m_out;
+    CliCase m_cli{QStringLiteral(ONDRILET_CLI_EXECUTABLE)};
 
-    void startInWork(QProcess& process, const QStringList& arguments)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), m_home);
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
-        environment.remove(QStringLiteral("QT_LOGGING_RULES"));
-        environment.remove(QStringLiteral("QT_MESSAGE_PATTERN"));
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(m_work);
-        process.start(QStringLiteral(ONDRILET_CLI_EXECUTABLE), arguments);
-    }
-
-    Result run(const QStringList& arguments)
-    {
-        QProcess process;
-        startInWork(process, arguments);
-        if (!process.waitForFinished(120000))
-            qFatal("ondrilet-cli did not finish");
-        Result result;
-        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
-    }
-
-    static bool waitForOutput(QProcess& process, const QString& text,
-                              QProcess::ProcessChannel channel = QProcess::StandardOutput)
-    {
-        process.setReadChannel(channel);
-        QByteArray seen;
-        while (!seen.contains(text.toUtf8())) {
-            if (process.bytesAvailable() == 0 && !process.waitForReadyRead(60000))
-                return false;
-            seen += process.readAll();
-        }
-        return true;
-    }
-
-    // Copies of a clip of `seconds` in m_work, named a.mp4, b.mp4, …
+    // Copies of a clip of `seconds` in m_cli.work(), named a.mp4, b.mp4, …
     QStringList longClips(int count, double seconds)
     {
         const QString fixtures = m_root.filePath(QStringLiteral("fixtures"));
@@ -100,15 +57,7 @@ class TestCliVideo : public QObject
                                         QStringLiteral("-preset"), QStringLiteral("ultrafast")});
         if (clip.isEmpty())
             qFatal("%s", qPrintable(Fixtures::lastError()));
-        QStringList names;
-        for (int i = 0; i < count; ++i) {
-            const QString copy = QChar(u'a' + i) + QStringLiteral(".mp4");
-            QFile::remove(m_work + QLatin1Char('/') + copy);
-            if (!QFile::copy(clip, m_work + QLatin1Char('/') + copy))
-                qFatal("cannot copy the clip");
-            names.append(copy);
-        }
-        return names;
+        return m_cli.copiesInWork(clip, count, QStringLiteral("mp4"));
     }
 
 private slots:
@@ -123,32 +72,25 @@ private slots:
 
     void init()
     {
-        static int count = 0;
-        const QString base = m_root.filePath(QStringLiteral("case%1").arg(++count));
-        m_home = base + QStringLiteral("/home");
-        m_work = base + QStringLiteral("/work");
-        m_out = base + QStringLiteral("/out");
-        QVERIFY(QDir().mkpath(m_home));
-        QVERIFY(QDir().mkpath(m_work));
-        QVERIFY(QDir().mkpath(m_out));
-        QVERIFY(QFile::copy(m_clip, m_work + QStringLiteral("/a.mp4")));
+        QVERIFY(m_cli.beginCase(m_root.path()));
+        QVERIFY(QFile::copy(m_clip, m_cli.work() + QStringLiteral("/a.mp4")));
     }
 
     void videoOptionsReachTheFile()
     {
-        const Result result =
-            run({QStringLiteral("a.mp4"), QStringLiteral("--format"), QStringLiteral("mp4"),
-                 QStringLiteral("--video-codec"), QStringLiteral("h265"),
-                 QStringLiteral("--resolution"), QStringLiteral("720p"),
-                 QStringLiteral("--frame-rate"), QStringLiteral("30"), QStringLiteral("--crf"),
-                 QStringLiteral("28"), QStringLiteral("--output-dir"), m_out});
+        const Result result = m_cli.run(
+            {QStringLiteral("a.mp4"), QStringLiteral("--format"), QStringLiteral("mp4"),
+             QStringLiteral("--video-codec"), QStringLiteral("h265"),
+             QStringLiteral("--resolution"), QStringLiteral("720p"), QStringLiteral("--frame-rate"),
+             QStringLiteral("30"), QStringLiteral("--crf"), QStringLiteral("28"),
+             QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        const QStringList outputs = Fixtures::filesBelow(m_out);
+        const QStringList outputs = Fixtures::filesBelow(m_cli.out());
         QCOMPARE(outputs.size(), 1);
         QVERIFY2(outputs.first().endsWith(QStringLiteral(".mp4")), qPrintable(outputs.first()));
         QVERIFY2(outputs.first().contains(QStringLiteral("720p")), qPrintable(outputs.first()));
-        const QString output = m_out + QLatin1Char('/') + outputs.first();
+        const QString output = m_cli.out() + QLatin1Char('/') + outputs.first();
         const QJsonObject video = firstStream(output, QStringLiteral("video"));
         QCOMPARE(video.value(QStringLiteral("codec_name")).toString(), QStringLiteral("hevc"));
         QCOMPARE(video.value(QStringLiteral("width")).toInt(), 960);
@@ -165,15 +107,15 @@ private slots:
     void inPlaceReplacementOfAVideo()
     {
         const Result result =
-            run({QStringLiteral("a.mp4"), QStringLiteral("--format"), QStringLiteral("mp4"),
-                 QStringLiteral("--video-codec"), QStringLiteral("h264"),
-                 QStringLiteral("--no-settings-in-name"), QStringLiteral("--beside-source"),
-                 QStringLiteral("--no-subfolders"), QStringLiteral("--yes")});
+            m_cli.run({QStringLiteral("a.mp4"), QStringLiteral("--format"), QStringLiteral("mp4"),
+                       QStringLiteral("--video-codec"), QStringLiteral("h264"),
+                       QStringLiteral("--no-settings-in-name"), QStringLiteral("--beside-source"),
+                       QStringLiteral("--no-subfolders"), QStringLiteral("--yes")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
         QVERIFY(result.out.contains(QStringLiteral("✅ Replaced original file: a.mp4")));
-        QCOMPARE(Fixtures::filesBelow(m_work), QStringList{QStringLiteral("a.mp4")});
-        QCOMPARE(firstStream(m_work + QStringLiteral("/a.mp4"), QStringLiteral("video"))
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), QStringList{QStringLiteral("a.mp4")});
+        QCOMPARE(firstStream(m_cli.work() + QStringLiteral("/a.mp4"), QStringLiteral("video"))
                      .value(QStringLiteral("codec_name"))
                      .toString(),
                  QStringLiteral("h264"));
@@ -184,10 +126,10 @@ private slots:
         const QStringList arguments{
             QStringLiteral("a.mp4"),         QStringLiteral("--format"),
             QStringLiteral("mov"),           QStringLiteral("--no-subfolders"),
-            QStringLiteral("--output-dir"),  m_out,
+            QStringLiteral("--output-dir"),  m_cli.out(),
             QStringLiteral("--no-overwrite")};
-        QCOMPARE(run(arguments).exitCode, 0);
-        const Result again = run(arguments);
+        QCOMPARE(m_cli.run(arguments).exitCode, 0);
+        const Result again = m_cli.run(arguments);
         QCOMPARE(again.exitCode, 1);
         QVERIFY2(again.err.contains(QStringLiteral(
                      "An unexpected error occurred: Output file already exists (overwrite "
@@ -197,34 +139,34 @@ private slots:
 
     void twoFilesAndTheSoundOfAVideo()
     {
-        QVERIFY(QFile::copy(m_clip, m_work + QStringLiteral("/b.mp4")));
+        QVERIFY(QFile::copy(m_clip, m_cli.work() + QStringLiteral("/b.mp4")));
         const Result videos =
-            run({QStringLiteral("a.mp4"), QStringLiteral("b.mp4"), QStringLiteral("--format"),
-                 QStringLiteral("mov"), QStringLiteral("--no-subfolders"),
-                 QStringLiteral("--output-dir"), m_out});
+            m_cli.run({QStringLiteral("a.mp4"), QStringLiteral("b.mp4"), QStringLiteral("--format"),
+                       QStringLiteral("mov"), QStringLiteral("--no-subfolders"),
+                       QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(videos.err, QString());
         QCOMPARE(videos.exitCode, 0);
-        QCOMPARE(Fixtures::filesBelow(m_out).size(), 2);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()).size(), 2);
 
-        const Result sound =
-            run({QStringLiteral("a.mp4"), QStringLiteral("--format"), QStringLiteral("m4a"),
-                 QStringLiteral("--audio-codec"), QStringLiteral("aac"),
-                 QStringLiteral("--no-subfolders"), QStringLiteral("--output-dir"), m_out});
+        const Result sound = m_cli.run({QStringLiteral("a.mp4"), QStringLiteral("--format"),
+                                        QStringLiteral("m4a"), QStringLiteral("--audio-codec"),
+                                        QStringLiteral("aac"), QStringLiteral("--no-subfolders"),
+                                        QStringLiteral("--output-dir"), m_cli.out()});
         QCOMPARE(sound.err, QString());
         QCOMPARE(sound.exitCode, 0);
         QStringList m4a;
-        for (const QString& name : Fixtures::filesBelow(m_out))
+        for (const QString& name : Fixtures::filesBelow(m_cli.out()))
             if (name.endsWith(QStringLiteral(".m4a")))
                 m4a.append(name);
         QCOMPARE(m4a.size(), 1);
-        QVERIFY(
-            firstStream(m_out + QLatin1Char('/') + m4a.first(), QStringLiteral("video")).isEmpty());
+        QVERIFY(firstStream(m_cli.out() + QLatin1Char('/') + m4a.first(), QStringLiteral("video"))
+                    .isEmpty());
     }
 
     void theCamerasDetailsAndTheTypedTagsReachTheVideo()
     {
         const QString camera = Fixtures::makeVideo(
-            m_work, QStringLiteral("cam.mov"), 1.0, false,
+            m_cli.work(), QStringLiteral("cam.mov"), 1.0, false,
             {"-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-metadata",
              "title=Holiday", "-metadata", "make=Acme", "-metadata", "model=Shooter 7", "-metadata",
              "location=+48.8577+002.2950/"});
@@ -237,7 +179,7 @@ private slots:
                                  QStringLiteral("--no-subfolders"),
                                  QStringLiteral("--no-settings-in-name"),
                                  QStringLiteral("--output-dir"),
-                                 m_out};
+                                 m_cli.out()};
         const auto tagsOf = [](const QString& path) {
             return Fixtures::probe(path)
                 .value(QStringLiteral("format"))
@@ -245,10 +187,10 @@ private slots:
                 .value(QStringLiteral("tags"))
                 .toObject();
         };
-        const QString output = m_out + QStringLiteral("/cam.mp4");
+        const QString output = m_cli.out() + QStringLiteral("/cam.mp4");
 
         // The camera's details come through; its title does not.
-        const Result plain = run(common);
+        const Result plain = m_cli.run(common);
         QCOMPARE(plain.err, QString());
         QCOMPARE(plain.exitCode, 0);
         QJsonObject tags = tagsOf(output);
@@ -261,9 +203,9 @@ private slots:
         // The date stores the edits typed before it, and the run waits for that store.
         const QDateTime date(QDate(2020, 2, 29), QTime(12, 30), Qt::UTC);
         const Result edited =
-            run(common + QStringList{QStringLiteral("--overwrite"), QStringLiteral("--title"),
-                                     QStringLiteral("Harbour"), QStringLiteral("--date"),
-                                     QStringLiteral("2020-02-29T12:30:00Z")});
+            m_cli.run(common + QStringList{QStringLiteral("--overwrite"), QStringLiteral("--title"),
+                                           QStringLiteral("Harbour"), QStringLiteral("--date"),
+                                           QStringLiteral("2020-02-29T12:30:00Z")});
         QCOMPARE(edited.err, QString());
         QCOMPARE(edited.exitCode, 0);
         tags = tagsOf(output);
@@ -275,11 +217,11 @@ private slots:
 
         // In place, the date set on the temporary file stays with it when it replaces the source.
         const Result inPlace =
-            run({QStringLiteral("cam.mov"), QStringLiteral("--format"), QStringLiteral("mov"),
-                 QStringLiteral("--resolution"), QStringLiteral("source"),
-                 QStringLiteral("--no-subfolders"), QStringLiteral("--no-settings-in-name"),
-                 QStringLiteral("--beside-source"), QStringLiteral("--yes"),
-                 QStringLiteral("--date"), QStringLiteral("2020-02-29T12:30:00Z")});
+            m_cli.run({QStringLiteral("cam.mov"), QStringLiteral("--format"), QStringLiteral("mov"),
+                       QStringLiteral("--resolution"), QStringLiteral("source"),
+                       QStringLiteral("--no-subfolders"), QStringLiteral("--no-settings-in-name"),
+                       QStringLiteral("--beside-source"), QStringLiteral("--yes"),
+                       QStringLiteral("--date"), QStringLiteral("2020-02-29T12:30:00Z")});
         QCOMPARE(inPlace.err, QString());
         QCOMPARE(inPlace.exitCode, 0);
         QVERIFY(inPlace.out.contains(QStringLiteral("✅ Replaced original file: cam.mov")));
@@ -291,19 +233,19 @@ private slots:
     {
         const QStringList names = longClips(3, 20.0);
         QProcess process;
-        startInWork(process, names + QStringList{QStringLiteral("--format"), QStringLiteral("mp4"),
+        m_cli.start(process, names + QStringList{QStringLiteral("--format"), QStringLiteral("mp4"),
                                                  QStringLiteral("--no-subfolders"),
-                                                 QStringLiteral("--output-dir"), m_out});
-        QVERIFY(waitForOutput(process, QStringLiteral("🎬 Read video sample #1")));
+                                                 QStringLiteral("--output-dir"), m_cli.out()});
+        QVERIFY(CliCase::waitForOutput(process, QStringLiteral("🎬 Read video sample #1")));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(120000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 130);
-        const QStringList outputs = Fixtures::filesBelow(m_out);
+        const QStringList outputs = Fixtures::filesBelow(m_cli.out());
         QVERIFY2(!outputs.isEmpty() && outputs.size() < names.size(),
                  qPrintable(outputs.join(u',')));
         for (const QString& output : outputs)
-            QVERIFY(Fixtures::probe(m_out + QLatin1Char('/') + output)
+            QVERIFY(Fixtures::probe(m_cli.out() + QLatin1Char('/') + output)
                         .value(QStringLiteral("format"))
                         .toObject()
                         .value(QStringLiteral("duration"))
@@ -315,22 +257,22 @@ private slots:
     {
         const QStringList names = longClips(1, 60.0);
         QProcess process;
-        startInWork(process, names + QStringList{QStringLiteral("--format"), QStringLiteral("mov"),
+        m_cli.start(process, names + QStringList{QStringLiteral("--format"), QStringLiteral("mov"),
                                                  QStringLiteral("--video-codec"),
                                                  QStringLiteral("prores422"),
                                                  QStringLiteral("--no-subfolders"),
-                                                 QStringLiteral("--output-dir"), m_out});
-        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_out).isEmpty(), 60000);
+                                                 QStringLiteral("--output-dir"), m_cli.out()});
+        QTRY_VERIFY_WITH_TIMEOUT(!Fixtures::filesBelow(m_cli.out()).isEmpty(), 60000);
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
-        QVERIFY(waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
-                              QProcess::StandardError));
+        QVERIFY(CliCase::waitForOutput(process, QStringLiteral("ondrilet-cli: stopping"),
+                                       QProcess::StandardError));
         QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
         QVERIFY(process.waitForFinished(20000));
         QCOMPARE(process.exitCode(), 130);
         QVERIFY(QString::fromUtf8(process.readAllStandardOutput())
                     .contains(QStringLiteral("🗑️ Removed unfinished output: ")));
-        QCOMPARE(Fixtures::filesBelow(m_out), QStringList());
-        QCOMPARE(Fixtures::filesBelow(m_work), names);
+        QCOMPARE(Fixtures::filesBelow(m_cli.out()), QStringList());
+        QCOMPARE(Fixtures::filesBelow(m_cli.work()), names);
     }
 };
 

@@ -5,7 +5,6 @@
 // hidden helper file may be left anywhere.
 #include "ConversionEngine/audio/AudioConverter.h"
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/BatchProgressManager.h"
 #include "app/driver/MediaConverter.h"
 #include "app/metadata/PendingMetadataStore.h"
@@ -13,6 +12,7 @@
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/UserDefaults.h"
 #include "tests/support/Fixtures.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCborMap>
 #include <QCoreApplication>
@@ -36,10 +36,10 @@
 
 using namespace Ondrilet;
 using ConversionEngine::AudioLevelTarget;
-using ConversionEngine::ManualProgressClock;
 using Platform::Console;
 using Platform::FileAttributes;
 using TestSupport::Fixtures;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -4,12 +4,12 @@
 // temporary file, the source is never touched before the swap, and the output replaces it.
 // Also what the driver does when a writer never finished the temporary file, and when the disk
 // fills up during a conversion (on a small file system of its own, in a user namespace).
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/driver/MediaConverter.h"
 #include "app/driver/OriginalReplacement.h"
 #include "platform/foundation/Console.h"
 #include "platform/foundation/UserDefaults.h"
 #include "tests/support/Fixtures.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>

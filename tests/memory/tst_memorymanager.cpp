@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/MemoryPressureSource.h"
 #include "platform/media/SampleBuffer.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
@@ -13,10 +13,10 @@
 #include <memory>
 #include <vector>
 
-using ConversionEngine::ManualProgressClock;
 using ConversionEngine::MemoryManager;
 using ConversionEngine::MemoryStats;
 using Platform::SampleBuffer;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

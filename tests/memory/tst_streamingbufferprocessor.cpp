@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "ConversionEngine/memory/StreamingBufferProcessor.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "platform/foundation/MemoryPressureSource.h"
 #include "platform/media/Asset.h"
 #include "platform/media/AssetReader.h"
@@ -9,6 +8,7 @@
 #include "platform/media/SampleBuffer.h"
 #include "platform/media/SettingsDictionary.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
@@ -22,10 +22,10 @@
 #include <stdexcept>
 #include <vector>
 
-using ConversionEngine::ManualProgressClock;
 using ConversionEngine::MemoryManager;
 using ConversionEngine::StreamingBufferProcessor;
 using Platform::SampleBuffer;
+using TestSupport::ManualProgressClock;
 using Buffer = std::shared_ptr<SampleBuffer>;
 
 namespace {

@@ -5,6 +5,7 @@
 #include "ConversionEngine/core/FixedDecimals.h"
 #include "ConversionEngine/memory/MemoryManager.h"
 #include "app/batch/BatchProgressManager.h"
+#include "app/batch/ProgressTexts.h"
 #include "app/naming/OutputNaming.h"
 #include "app/window/ConversionControls.h"
 
@@ -55,8 +56,9 @@ private slots:
                      QStringLiteral("Target Peak Level: -0.5 dBFS"));
             ConversionEngine::MemoryManager memory(50, 20);
             BatchProgressManager batch(&memory);
-            QCOMPARE(batch.processingSpeedText(), QStringLiteral("0.0 MB/s"));
-            QCOMPARE(batch.compressionRatioText(), QStringLiteral("0.0%"));
+            QCOMPARE(ProgressTexts::speedText(batch.batchStats().averageProcessingSpeed),
+                     QStringLiteral("0.0 MB/s"));
+            QCOMPARE(ProgressTexts::ratioText(batch.compressionRatio()), QStringLiteral("0.0%"));
             QCOMPARE(FixedDecimals::text(1024.06, 1), std::string("1024.1"));
             return;
         }

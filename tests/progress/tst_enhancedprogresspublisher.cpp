@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/progress/EnhancedProgressPublisher.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QTest>
@@ -10,7 +10,7 @@
 using ConversionEngine::ConversionPhase;
 using ConversionEngine::EnhancedProgressPublisher;
 using ConversionEngine::EnhancedProgressTracker;
-using ConversionEngine::ManualProgressClock;
+using TestSupport::ManualProgressClock;
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ConversionEngine/progress/EnhancedProgressTracker.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QPointer>
 #include <QSignalSpy>
@@ -12,7 +12,7 @@
 using ConversionEngine::ConversionMetrics;
 using ConversionEngine::ConversionPhase;
 using ConversionEngine::EnhancedProgressTracker;
-using ConversionEngine::ManualProgressClock;
+using TestSupport::ManualProgressClock;
 
 class TestEnhancedProgressTracker : public QObject
 {

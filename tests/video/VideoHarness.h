@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Test helpers for the video engine: clips made by the ffmpeg tool at a chosen size, rate and
-// sound, what ffprobe sees in a file (streams, frame times), and a runner that drives one
-// conversion to its end and keeps what it threw. Test thread (the main thread) only.
+// sound, what ffprobe sees in a file (streams, frame times), one conversion driven to its end (the
+// runner of tests/support), and settings for it. Test thread (the main thread) only.
 #pragma once
 
-#include "ConversionEngine/errors/ConversionError.h"
 #include "ConversionEngine/video/VideoConverter.h"
-#include "platform/media/MediaError.h"
+#include "platform/foundation/Console.h"
+#include "tests/support/ConversionOutcome.h"
 #include "tests/support/Fixtures.h"
 
-#include <QCoro/QCoroTask>
-#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QProcess>
 #include <QStringList>
-#include <QTimer>
 
 #include <algorithm>
 #include <optional>
@@ -102,49 +99,12 @@ inline double formatDuration(const QString& path)
         .toDouble();
 }
 
-struct Outcome
-{
-    bool finished = false;
-    std::optional<ConversionEngine::ConversionError> conversionError;
-    std::optional<Platform::MediaError> mediaError;
-    QString otherError;
+using Outcome = TestSupport::ConversionOutcome;
 
-    bool succeeded() const
-    {
-        return finished && !conversionError && !mediaError && otherError.isEmpty();
-    }
-    QString describe() const
-    {
-        if (!finished)
-            return QStringLiteral("did not finish");
-        if (conversionError)
-            return QStringLiteral("ConversionError: ") + conversionError->errorDescription();
-        if (mediaError)
-            return QStringLiteral("MediaError %1: %2")
-                .arg(mediaError->code())
-                .arg(mediaError->localizedDescription());
-        if (!otherError.isEmpty())
-            return QStringLiteral("other error: ") + otherError;
-        return QStringLiteral("success");
-    }
-};
-
-// Each handler names its error differently: this compiler mixes up like-named locals of one
-// coroutine.
+// Awaits `task`, keeps what it threw in `outcome`, and ends `loop` (when given) once it is over.
 inline QCoro::Task<> capture(QCoro::Task<> task, Outcome& outcome, QEventLoop* loop)
 {
-    try {
-        co_await std::move(task);
-    } catch (const ConversionEngine::ConversionError& conversionError) {
-        outcome.conversionError = conversionError;
-    } catch (const Platform::MediaError& mediaError) {
-        outcome.mediaError = mediaError;
-    } catch (const std::exception& otherError) {
-        outcome.otherError = QString::fromUtf8(otherError.what());
-    }
-    outcome.finished = true;
-    if (loop)
-        loop->quit();
+    return TestSupport::captureOutcome(std::move(task), outcome, loop);
 }
 
 inline ConversionEngine::VideoConversionSettings
@@ -168,21 +128,25 @@ inline Outcome convert(ConversionEngine::VideoConverter& converter, const QStrin
                        ConversionEngine::ProgressSubject subject = {},
                        int timeoutMilliseconds = 60000)
 {
-    Outcome outcome;
-    QEventLoop loop;
-    QTimer watchdog;
-    watchdog.setSingleShot(true);
-    QObject::connect(&watchdog, &QTimer::timeout, [&] {
-        qFatal("The conversion of %s did not end within %d ms", qPrintable(source),
-               timeoutMilliseconds);
-    });
-    watchdog.start(timeoutMilliseconds);
-    QCoro::Task<> running =
-        capture(converter.convertVideo(source, output, settings, std::nullopt, std::move(subject)),
-                outcome, &loop);
-    if (!outcome.finished)
-        loop.exec();
-    return outcome;
+    return TestSupport::runToEnd(
+        [&] {
+            return converter.convertVideo(source, output, settings, std::nullopt,
+                                          std::move(subject));
+        },
+        source, timeoutMilliseconds);
+}
+
+// Converts with a converter of its own and answers the console lines of the run, or just
+// "failed" (with the reason as a warning).
+inline QStringList convertAndRecord(const QString& source, const QString& output,
+                                    const ConversionEngine::VideoConversionSettings& settings)
+{
+    ConversionEngine::VideoConverter converter;
+    Platform::Console::Recorder console;
+    const Outcome outcome = convert(converter, source, output, settings);
+    if (!outcome.succeeded())
+        qWarning("%s", qPrintable(outcome.describe()));
+    return outcome.succeeded() ? console.lines() : QStringList{QStringLiteral("failed")};
 }
 
 } // namespace VideoTest

@@ -2,7 +2,6 @@
 // Whole conversions in each reading arrangement, checked by ffprobe: the source's own timing, 24 to
 // 30 by duplication, 30 to 24 and 30 to 30 through the composition; a one-frame video; a first
 // frame at 2 s; a preset size.
-#include "platform/foundation/Console.h"
 #include "tests/video/VideoHarness.h"
 
 #include <QTemporaryDir>
@@ -31,17 +30,6 @@ class TestVideoArrangements : public QObject
 
     QString path(const QString& name) const { return m_directory.filePath(name); }
 
-    QStringList convertOk(const QString& source, const QString& output,
-                          const VideoConversionSettings& settings)
-    {
-        VideoConverter converter;
-        Platform::Console::Recorder console;
-        const Outcome outcome = convert(converter, source, output, settings);
-        if (!outcome.succeeded())
-            qWarning("%s", qPrintable(outcome.describe()));
-        return outcome.succeeded() ? console.lines() : QStringList{"failed"};
-    }
-
 private slots:
     void initTestCase() { QVERIFY(m_directory.isValid()); }
 
@@ -50,7 +38,7 @@ private slots:
         const QString source = makeClip(m_directory.path(), "s25.mp4", 2.0, "25");
         QVERIFY(!source.isEmpty());
         const QStringList lines =
-            convertOk(source, path("s25-out.mp4"), settingsFor(VideoFrameRate::source));
+            convertAndRecord(source, path("s25-out.mp4"), settingsFor(VideoFrameRate::source));
         QVERIFY(!lines.contains("failed"));
         QVERIFY(!lines.contains("   Mode: UPSAMPLING (frame duplication)"));
         QVERIFY(!lines.contains("   Mode: DOWNSAMPLING (frame dropping)"));
@@ -67,7 +55,7 @@ private slots:
         const QString source = makeClip(m_directory.path(), "s24.mp4", 2.0, "24");
         QVERIFY(!source.isEmpty());
         const QStringList lines =
-            convertOk(source, path("s24-30.mp4"), settingsFor(VideoFrameRate::fps30));
+            convertAndRecord(source, path("s24-30.mp4"), settingsFor(VideoFrameRate::fps30));
         QVERIFY(lines.contains("🎬 Frame rate conversion: 24.0 fps → 30 fps"));
         QVERIFY(lines.contains("   Mode: UPSAMPLING (frame duplication)"));
         QVERIFY(lines.contains("🎬 Processing video sample #1 at PTS: 0.0s (upsampling)"));
@@ -87,7 +75,7 @@ private slots:
         const QString source = makeClip(m_directory.path(), "s30.mp4", 2.0, "30");
         QVERIFY(!source.isEmpty());
         const QStringList lines =
-            convertOk(source, path("s30-24.mp4"), settingsFor(VideoFrameRate::fps24));
+            convertAndRecord(source, path("s30-24.mp4"), settingsFor(VideoFrameRate::fps24));
         QVERIFY(lines.contains("   Mode: DOWNSAMPLING (frame dropping)"));
         QVERIFY(lines.contains("🎬 Using video composition for downsampling"));
         QVERIFY(lines.contains("🎬 Video composition configured: 320.0×240.0 @ 24 fps"));
@@ -103,7 +91,7 @@ private slots:
         const QString source = makeClip(m_directory.path(), "e30.mp4", 2.0, "30");
         QVERIFY(!source.isEmpty());
         const QStringList lines =
-            convertOk(source, path("e30-30.mp4"), settingsFor(VideoFrameRate::fps30));
+            convertAndRecord(source, path("e30-30.mp4"), settingsFor(VideoFrameRate::fps30));
         QVERIFY(lines.contains("🎬 Frame rate conversion: 30.0 fps → 30 fps"));
         QVERIFY(lines.contains("   Mode: DOWNSAMPLING (frame dropping)"));
         const std::vector<double> times = frameTimes(path("e30-30.mp4"));
@@ -118,7 +106,7 @@ private slots:
             makeClip(m_directory.path(), "one.mp4", 1.0, "25", {}, {"-frames:v", "1"});
         QVERIFY(!source.isEmpty());
         QCOMPARE(int(frameTimes(source).size()), 1);
-        const QStringList lines = convertOk(source, path("one-out.mp4"), settingsFor());
+        const QStringList lines = convertAndRecord(source, path("one-out.mp4"), settingsFor());
         QVERIFY(lines.contains("🎬 Processing video sample #1 at PTS: 0.0s"));
         QVERIFY(lines.contains("✅ Conversion completed"));
         QCOMPARE(int(frameTimes(path("one-out.mp4")).size()), 1);
@@ -129,7 +117,7 @@ private slots:
         const QString source =
             makeClip(m_directory.path(), "late.mp4", 1.0, "25", {}, {"-output_ts_offset", "2"});
         QVERIFY(!source.isEmpty());
-        const QStringList lines = convertOk(source, path("late-out.mp4"), settingsFor());
+        const QStringList lines = convertAndRecord(source, path("late-out.mp4"), settingsFor());
         QVERIFY2(lines.contains("✅ Writer session started at PTS: 2.0"),
                  qPrintable(lines.join('\n')));
         QVERIFY(lines.contains("🎬 Read video sample #1 at PTS: 2.04s"));
@@ -142,7 +130,7 @@ private slots:
         QVERIFY(!source.isEmpty());
         VideoConversionSettings settings = settingsFor();
         settings.resolution = VideoResolution::hd720;
-        const QStringList lines = convertOk(source, path("size-out.mp4"), settings);
+        const QStringList lines = convertAndRecord(source, path("size-out.mp4"), settings);
         QVERIFY(lines.contains(
             "🎯 Scaled dimensions to maintain aspect ratio: 960×720 (AR: 1.3333333333333333)"));
         const std::vector<QJsonObject> video = streamsOf(path("size-out.mp4"), "video");

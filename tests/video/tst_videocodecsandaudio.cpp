@@ -2,7 +2,6 @@
 // Whole conversions to each codec and with each kind of sound, checked by ffprobe: H.264, HEVC,
 // ProRes 422 and 4444 (always in a QuickTime file); mono 44.1 kHz, 5.1, 8 channels cut to 6, a
 // rate outside the kept three, no sound, and two audio tracks of which the first is kept.
-#include "platform/foundation/Console.h"
 #include "tests/video/VideoHarness.h"
 
 #include <QTemporaryDir>
@@ -20,17 +19,6 @@ class TestVideoCodecsAndAudio : public QObject
     QString m_silentClip;
 
     QString path(const QString& name) const { return m_directory.filePath(name); }
-
-    QStringList convertOk(const QString& source, const QString& output,
-                          const VideoConversionSettings& settings)
-    {
-        VideoConverter converter;
-        Platform::Console::Recorder console;
-        const Outcome outcome = convert(converter, source, output, settings);
-        if (!outcome.succeeded())
-            qWarning("%s", qPrintable(outcome.describe()));
-        return outcome.succeeded() ? console.lines() : QStringList{"failed"};
-    }
 
 private slots:
     void initTestCase()
@@ -68,8 +56,8 @@ private slots:
         QFETCH(QString, brand);
         const QString output = path(QStringLiteral("codec-%1.mp4").arg(codec));
         const QStringList lines =
-            convertOk(m_silentClip, output,
-                      settingsFor(VideoFrameRate::source, static_cast<VideoCodec>(codec)));
+            convertAndRecord(m_silentClip, output,
+                             settingsFor(VideoFrameRate::source, static_cast<VideoCodec>(codec)));
         QVERIFY(!lines.contains("failed"));
         const std::vector<QJsonObject> video = streamsOf(output, "video");
         QCOMPARE(int(video.size()), 1);
@@ -123,7 +111,7 @@ private slots:
                                         1.0, "25", audioInputs, outputArguments);
         QVERIFY2(!source.isEmpty(), qPrintable(Fixtures::lastError()));
         const QString output = path(QStringLiteral("sound-%1.mp4").arg(QTest::currentDataTag()));
-        const QStringList lines = convertOk(source, output, settingsFor());
+        const QStringList lines = convertAndRecord(source, output, settingsFor());
         for (const QString& line : consoleLines)
             QVERIFY2(lines.contains(line), qPrintable(line));
         QVERIFY(lines.contains("🎵 Starting audio processing..."));
@@ -140,7 +128,8 @@ private slots:
 
     void noSound()
     {
-        const QStringList lines = convertOk(m_silentClip, path("nosound.mp4"), settingsFor());
+        const QStringList lines =
+            convertAndRecord(m_silentClip, path("nosound.mp4"), settingsFor());
         QVERIFY(lines.contains("ℹ️ No audio track to process"));
         QVERIFY(lines.contains("✅ Conversion completed"));
         QVERIFY(streamsOf(path("nosound.mp4"), "audio").empty());
@@ -154,7 +143,7 @@ private slots:
                      {"-map", "0:v", "-map", "1:a", "-map", "2:a", "-c:a", "aac", "-ac:a:1", "2"});
         QVERIFY2(!source.isEmpty(), qPrintable(Fixtures::lastError()));
         QCOMPARE(int(streamsOf(source, "audio").size()), 2);
-        const QStringList lines = convertOk(source, path("two-out.mp4"), settingsFor());
+        const QStringList lines = convertAndRecord(source, path("two-out.mp4"), settingsFor());
         QVERIFY(lines.contains("🎵 Source Audio: 1 ch, 44100 Hz"));
         const std::vector<QJsonObject> audio = streamsOf(path("two-out.mp4"), "audio");
         QCOMPARE(int(audio.size()), 1);

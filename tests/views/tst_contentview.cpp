@@ -32,9 +32,11 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QDragEnterEvent>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
@@ -72,6 +74,17 @@ struct Window
 
     ContentView* view() const { return window.contentView(); }
     FileListView* list() const { return view()->fileList(); }
+    QListView* rows() const { return list()->rowsView(); }
+    QAbstractItemModel* rowModel() const { return rows()->model(); }
+    int rowCount() const { return rowModel()->rowCount(); }
+    QModelIndex row(int index) const { return rowModel()->index(index, 0); }
+    QString rowName(int index) const { return row(index).data(Qt::AccessibleTextRole).toString(); }
+    // A row's place in the list's viewport, where the pointer reaches it.
+    QRect rowRect(int index) const { return rows()->visualRect(row(index)); }
+    std::unique_ptr<QMimeData> rowDrag(int index) const
+    {
+        return std::unique_ptr<QMimeData>(rowModel()->mimeData({row(index)}));
+    }
 };
 
 int indexOfFormat(const QString& label)
@@ -91,10 +104,9 @@ void pickFormat(Window& w, const QString& label)
     QCOMPARE(w.view()->formatBox()->currentText(), label);
 }
 
-// A drag of `data` entered and dropped on `target`, as a drag session delivers it.
-bool dropOn(QWidget* target, QMimeData* data)
+// A drag of `data` entered and dropped on `target` at `centre`, as a drag session delivers it.
+bool dropOn(QWidget* target, QMimeData* data, QPointF centre)
 {
-    const QPointF centre(target->width() / 2.0, target->height() / 2.0);
     QDragEnterEvent enter(centre.toPoint(), Qt::CopyAction | Qt::MoveAction, data, Qt::LeftButton,
                           Qt::NoModifier);
     QApplication::sendEvent(target, &enter);
@@ -141,6 +153,7 @@ private slots:
     void addsFilesThroughTheOpenPanel();
     void addsDroppedFilesAndAlertsForRefusedOnes();
     void showsQueuedFileAlertsOneAfterTheOther();
+    void listsAThousandDroppedFilesRowByRow();
     void reordersByDraggingARowOntoAnother();
     void removesRowsByButtonAndByDeleteKey();
     void clearsTheList();
@@ -207,8 +220,8 @@ void ContentViewTest::addsFilesThroughTheOpenPanel()
     QMetaObject::invokeMethod(panel, "accept");
 
     QTRY_COMPARE(w.model.listedFiles(), QStringList({first, second}));
-    QCOMPARE(w.list()->rows().size(), 2);
-    QCOMPARE(w.list()->rows().at(0)->accessibleName(), QStringLiteral("first.wav"));
+    QCOMPARE(w.rowCount(), 2);
+    QCOMPARE(w.rowName(0), QStringLiteral("first.wav"));
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("2 files"));
 
     QTRY_VERIFY(w.view()->fileAlertBox() != nullptr);
@@ -245,7 +258,7 @@ void ContentViewTest::addsDroppedFilesAndAlertsForRefusedOnes()
 
     QTRY_COMPARE(w.model.listedFiles(), QStringList({QStringLiteral("/media/Interview.wav"),
                                                      QStringLiteral("/media/CLIP.MOV")}));
-    QCOMPARE(w.list()->rows().size(), 2);
+    QCOMPARE(w.rowCount(), 2);
     QTRY_VERIFY(w.view()->fileAlertBox() != nullptr);
     QCOMPARE(w.view()->fileAlertBox()->text(), QStringLiteral("Unsupported File Type"));
     QCOMPARE(w.view()->fileAlertBox()->informativeText(),
@@ -289,48 +302,150 @@ void ContentViewTest::showsQueuedFileAlertsOneAfterTheOther()
     QTRY_VERIFY(w.view()->fileAlertBox() == nullptr);
 }
 
+void ContentViewTest::listsAThousandDroppedFilesRowByRow()
+{
+    // A thousand real files: copies of one short tone, named in the order they are dropped.
+    const QString folder = m_dir.filePath(QStringLiteral("thousand"));
+    QVERIFY(QDir().mkpath(folder));
+    const QString tone = Fixtures::makeTone(folder, QStringLiteral("tone.wav"), 0.1, 8000, 1,
+                                            {QStringLiteral("-c:a"), QStringLiteral("pcm_s16le")});
+    QVERIFY2(!tone.isEmpty(), qPrintable(Fixtures::lastError()));
+    constexpr int fileCount = 1000;
+    QStringList files;
+    QList<QUrl> urls;
+    for (int i = 0; i < fileCount; ++i) {
+        const QString path =
+            QDir(folder).filePath(QStringLiteral("take %1.wav").arg(i, 4, 10, QLatin1Char('0')));
+        QVERIFY(QFile::copy(tone, path));
+        files.append(path);
+        urls.append(QUrl::fromLocalFile(path));
+    }
+
+    Window w;
+    w.window.resize(1280, 800);
+    QCoreApplication::processEvents();
+    int resets = 0;
+    int insertions = 0;
+    bool oneRowEach = true;
+    connect(w.rowModel(), &QAbstractItemModel::modelReset, this, [&resets] { ++resets; });
+    connect(w.rowModel(), &QAbstractItemModel::rowsInserted, this,
+            [&](const QModelIndex&, int first, int last) {
+                ++insertions;
+                oneRowEach &= first == last;
+            });
+
+    auto data = std::make_unique<QMimeData>();
+    data->setUrls(urls);
+    QVERIFY(data->hasFormat(QStringLiteral("text/uri-list")));
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(dropOn(w.list(), data.get(), QPointF(w.list()->width() / 2.0, 40)));
+    QTRY_COMPARE_WITH_TIMEOUT(w.rowCount(), fileCount, 60000);
+    const qint64 listedAfter = clock.elapsed();
+    qInfo("%d dropped files listed after %lld ms", fileCount, listedAfter);
+    // Each file arrives on its own turn and becomes one new row; the rows before it stay as they
+    // are. Rebuilding every row on each arrival took minutes for a drop of this size.
+    QVERIFY2(listedAfter < 10000, qPrintable(QString::number(listedAfter)));
+    QCOMPARE(resets, 0);
+    QCOMPARE(insertions, fileCount);
+    QVERIFY(oneRowEach);
+    QCOMPARE(w.model.listedFiles(), files);
+    QCOMPARE(w.rowName(0), QStringLiteral("take 0000.wav"));
+    QCOMPARE(w.rowName(fileCount - 1), QStringLiteral("take 0999.wav"));
+    QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("1000 files"));
+    // The layout catches up once the last file's turn is over.
+    QCoreApplication::processEvents();
+
+    // Scrolling reaches the end and any row between.
+    QListView* rows = w.rows();
+    QScrollBar* bar = rows->verticalScrollBar();
+    QVERIFY(bar->maximum() > 0);
+    rows->scrollToBottom();
+    QCOMPARE(bar->value(), bar->maximum());
+    const auto shown = [rows](const QRect& rect) {
+        return QStringLiteral("%1,%2 %3x%4 in %5x%6")
+            .arg(rect.x())
+            .arg(rect.y())
+            .arg(rect.width())
+            .arg(rect.height())
+            .arg(rows->viewport()->width())
+            .arg(rows->viewport()->height());
+    };
+    QVERIFY2(rows->viewport()->rect().contains(w.rowRect(fileCount - 1)),
+             qPrintable(shown(w.rowRect(fileCount - 1))));
+    rows->scrollTo(w.row(500));
+    QVERIFY(rows->viewport()->rect().intersects(w.rowRect(500)));
+
+    // A click selects, Down moves the selection, Delete removes the selected file.
+    const QRect picked = w.rowRect(500);
+    QTest::mouseClick(rows->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      QPoint(picked.left() + 30, picked.center().y()));
+    QCOMPARE(w.list()->selectedIndices(), QList<qint64>({500}));
+    QTest::keyClick(rows, Qt::Key_Down);
+    QCOMPARE(w.list()->selectedIndices(), QList<qint64>({501}));
+    QVERIFY(w.window.grab().save(screenshotFolder() + QStringLiteral("/main-light-long-list.png")));
+    QTest::keyClick(rows, Qt::Key_Delete);
+    QTRY_COMPARE(w.rowCount(), fileCount - 1);
+    QVERIFY(!w.model.listedFiles().contains(files.at(501)));
+    QCOMPARE(w.rowName(501), QStringLiteral("take 0502.wav"));
+    QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("999 files"));
+
+    // The remove button of a row far down the list.
+    rows->scrollToBottom();
+    QTest::mouseClick(rows->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      AutomatorFileRowView::removeButtonRect(w.rowRect(fileCount - 2)).center());
+    QTRY_COMPARE(w.rowCount(), fileCount - 2);
+    QVERIFY(!w.model.listedFiles().contains(files.last()));
+    QCOMPARE(resets, 0);
+
+    QTest::mouseClick(w.list()->clearButton(), Qt::LeftButton);
+    QTRY_COMPARE(w.rowCount(), 0);
+    QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("0 files"));
+}
+
 void ContentViewTest::reordersByDraggingARowOntoAnother()
 {
     Window w;
     const QStringList files{QStringLiteral("/m/a.wav"), QStringLiteral("/m/b.mov"),
                             QStringLiteral("/m/c.mp3")};
     w.model.addFiles(files);
-    QCOMPARE(w.list()->rows().size(), 3);
+    QCOMPARE(w.rowCount(), 3);
 
-    const std::unique_ptr<QMimeData> dragged = w.list()->rows().at(0)->dragMimeData();
+    const std::unique_ptr<QMimeData> dragged = w.rowDrag(0);
     QCOMPARE(dragged->text(), QStringLiteral("0"));
     QVERIFY(!dragged->hasUrls());
 
     // Dropped on its own row: nothing moves.
-    QVERIFY(dropOn(w.list()->rows().at(0), w.list()->rows().at(0)->dragMimeData().release()));
+    QWidget* viewport = w.rows()->viewport();
+    QVERIFY(dropOn(viewport, w.rowDrag(0).release(), w.rowRect(0).center()));
     QCoreApplication::processEvents();
     QCOMPARE(w.model.listedFiles(), files);
 
     Platform::Console::Recorder console;
-    AutomatorFileRowView* last = w.list()->rows().at(2);
-    auto* data = w.list()->rows().at(0)->dragMimeData().release();
-    const QPointF centre(last->width() / 2.0, last->height() / 2.0);
+    auto* data = w.rowDrag(0).release();
+    const QPointF centre = w.rowRect(2).center();
     QDragEnterEvent enter(centre.toPoint(), Qt::MoveAction, data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(last, &enter);
+    QApplication::sendEvent(viewport, &enter);
     QVERIFY(enter.isAccepted());
     QCOMPARE(enter.dropAction(), Qt::MoveAction);
-    QVERIFY(last->isDropTarget());
+    QCOMPARE(w.list()->rowDelegate()->dropTargetRow(), 2);
+    QVERIFY(w.list()->grab().save(screenshotFolder() + QStringLiteral("/files-drop-target.png")));
     QDropEvent drop(centre, Qt::MoveAction, data, Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(last, &drop);
+    QApplication::sendEvent(viewport, &drop);
     QVERIFY(drop.isAccepted());
-    QVERIFY(!last->isDropTarget());
+    QCOMPARE(w.list()->rowDelegate()->dropTargetRow(), -1);
     QTRY_COMPARE(w.model.listedFiles(),
                  QStringList({QStringLiteral("/m/b.mov"), QStringLiteral("/m/c.mp3"),
                               QStringLiteral("/m/a.wav")}));
     QVERIFY(console.lines().contains(QStringLiteral("✅ Moved file from index 0 to 2")));
-    QTRY_COMPARE(w.list()->rows().at(2)->accessibleName(), QStringLiteral("a.wav"));
+    QTRY_COMPARE(w.rowName(2), QStringLiteral("a.wav"));
     delete data;
 
     // A file manager's drag, even with text, is never a row move.
     QMimeData filesWithText;
     filesWithText.setUrls({QUrl::fromLocalFile(QStringLiteral("/m/d.wav"))});
     filesWithText.setText(QStringLiteral("1"));
-    QVERIFY(!AutomatorFileRowView::acceptsDrop(&filesWithText));
+    QVERIFY(!w.rowModel()->canDropMimeData(&filesWithText, Qt::MoveAction, -1, -1, QModelIndex()));
 }
 
 void ContentViewTest::removesRowsByButtonAndByDeleteKey()
@@ -338,18 +453,21 @@ void ContentViewTest::removesRowsByButtonAndByDeleteKey()
     Window w;
     w.model.addFiles({QStringLiteral("/m/a.wav"), QStringLiteral("/m/b.wav"),
                       QStringLiteral("/m/a.wav"), QStringLiteral("/m/c.wav")});
-    QCOMPARE(w.list()->rows().size(), 4);
+    QCOMPARE(w.rowCount(), 4);
 
     // Removing one of two equal rows removes both.
-    QTest::mouseClick(w.list()->rows().at(0)->removeButton(), Qt::LeftButton);
+    QWidget* viewport = w.rows()->viewport();
+    QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier,
+                      AutomatorFileRowView::removeButtonRect(w.rowRect(0)).center());
     QTRY_COMPARE(w.model.listedFiles(),
                  QStringList({QStringLiteral("/m/b.wav"), QStringLiteral("/m/c.wav")}));
-    QTRY_COMPARE(w.list()->rows().size(), 2);
+    QTRY_COMPARE(w.rowCount(), 2);
 
-    AutomatorFileRowView* row = w.list()->rows().at(1);
-    QTest::mouseClick(row, Qt::LeftButton, Qt::NoModifier, QPoint(30, row->height() / 2));
+    const QRect second = w.rowRect(1);
+    QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier,
+                      QPoint(second.left() + 30, second.center().y()));
     QCOMPARE(w.list()->selectedIndices(), QList<qint64>({1}));
-    QVERIFY(row->isSelected());
+    QVERIFY(w.rows()->selectionModel()->isSelected(w.row(1)));
     QTest::keyClick(w.list(), Qt::Key_Delete);
     QTRY_COMPARE(w.model.listedFiles(), QStringList({QStringLiteral("/m/b.wav")}));
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("1 file"));
@@ -362,7 +480,7 @@ void ContentViewTest::clearsTheList()
     QVERIFY(w.list()->clearButton()->isEnabled());
     QTest::mouseClick(w.list()->clearButton(), Qt::LeftButton);
     QTRY_COMPARE(w.model.listedFiles(), QStringList());
-    QCOMPARE(w.list()->rows().size(), 0);
+    QCOMPARE(w.rowCount(), 0);
     QCOMPARE(w.list()->countLabel()->text(), QStringLiteral("0 files"));
     QVERIFY(!w.list()->clearButton()->isEnabled());
 }

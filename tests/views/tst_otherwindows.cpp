@@ -31,6 +31,7 @@
 #include "app/views/SettingsView.h"
 #include "app/window/ContentViewModel.h"
 #include "platform/foundation/UserDefaults.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QAction>
 #include <QApplication>
@@ -50,6 +51,7 @@
 #include <QToolButton>
 
 #include <clocale>
+#include <cmath>
 
 using namespace Ondrilet;
 
@@ -147,6 +149,7 @@ private slots:
     void settingsStoreTheThemeAndApplyIt();
     void progressWindowOpensFromShowDetailsAndTheWindowMenu();
     void batchViewFollowsTheManager();
+    void speedShowsZeroUntilTimeHasPassed();
     void pauseAndResumeChangeOnlyTheFlags();
     void fileRowOpensItsDetails();
     void enhancedViewPulsesAndHidesAnUnknownEta();
@@ -471,6 +474,37 @@ void OtherWindowsTest::batchViewFollowsTheManager()
              ProgressTexts::ratioText(manager->compressionRatio()));
     QVERIFY(view->metricCards().at(2)->value().contains(QLatin1Char('.')));
     std::setlocale(LC_ALL, saved.constData());
+}
+
+void OtherWindowsTest::speedShowsZeroUntilTimeHasPassed()
+{
+    // The clock stands still: the first report of a file comes in the instant it started.
+    TestSupport::ManualProgressClock clock;
+    Program p;
+    p.windows.showConversionProgress();
+    BatchProgressManager* manager = p.model.mediaConverter()->batchProgressManager();
+    BatchProgressView* view = p.windows.conversionProgressView()->batchProgressView();
+    manager->setShowPerformanceMetrics(true);
+    const QString a = touch(QStringLiteral("e.wav"), 2 * 1024 * 1024);
+    manager->startBatch({a});
+    manager->updateFileProgress(a, ConversionEngine::ConversionPhase::processingAudio, 0.25);
+    QVERIFY(!std::isfinite(manager->fileProgresses().first().processingSpeed));
+    // The batch's mean takes the file's speed in at the next report.
+    manager->updateFileProgress(a, ConversionEngine::ConversionPhase::processingAudio, 0.5);
+    QVERIFY(!std::isfinite(manager->batchStats().averageProcessingSpeed));
+    QCOMPARE(view->metricCards().at(0)->value(), QStringLiteral("0.0 MB/s"));
+    QTest::mouseClick(view->rows().first(), Qt::LeftButton);
+    FileDetailView* detail = view->fileDetailView();
+    QVERIFY(detail != nullptr);
+    QCOMPARE(detail->shownRows().at(5).label, QStringLiteral("Processing Speed"));
+    QCOMPARE(detail->shownRows().at(5).value, QStringLiteral("0.0 MB/s"));
+    detail->close();
+
+    // Half of 2 MB in 2 s, taken in by the batch at the report after.
+    clock.advance(2.0);
+    manager->updateFileProgress(a, ConversionEngine::ConversionPhase::processingAudio, 0.5);
+    manager->updateFileProgress(a, ConversionEngine::ConversionPhase::processingAudio, 0.5);
+    QCOMPARE(view->metricCards().at(0)->value(), QStringLiteral("0.5 MB/s"));
 }
 
 void OtherWindowsTest::pauseAndResumeChangeOnlyTheFlags()

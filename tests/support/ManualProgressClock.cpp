@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ConversionEngine/progress/ManualProgressClock.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace ConversionEngine {
+namespace TestSupport {
 
 namespace {
 
@@ -18,12 +18,12 @@ qint64 toMilliseconds(double seconds)
 ManualProgressClock::ManualProgressClock(const QDateTime& start)
     : m_now(start)
 {
-    ProgressClock::install(this);
+    ConversionEngine::ProgressClock::install(this);
 }
 
 ManualProgressClock::~ManualProgressClock()
 {
-    ProgressClock::install(nullptr);
+    ConversionEngine::ProgressClock::install(nullptr);
 }
 
 void ManualProgressClock::runAfter(double seconds, QObject* context, std::function<void()> action)
@@ -52,4 +52,4 @@ void ManualProgressClock::advance(double seconds)
     m_now = target;
 }
 
-} // namespace ConversionEngine
+} // namespace TestSupport

@@ -10,9 +10,9 @@
 
 #include <vector>
 
-namespace ConversionEngine {
+namespace TestSupport {
 
-class ManualProgressClock final : public ProgressClock
+class ManualProgressClock final : public ConversionEngine::ProgressClock
 {
 public:
     // Starts at `start` and installs itself; the destructor goes back to the system clock.
@@ -46,4 +46,4 @@ private:
     std::vector<Pending> m_pending;
 };
 
-} // namespace ConversionEngine
+} // namespace TestSupport
