@@ -17,6 +17,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace ConversionEngine;
 using TestSupport::Fixtures;
@@ -73,6 +74,42 @@ QByteArray randomBytes(int size, quint32 seed)
     return bytes;
 }
 
+QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The lines of a run that got as far as starting to read and write, given the track's facts.
+QStringList uptoStart(int channels, int rate)
+{
+    return uptoReadableCheck +
+           QStringList{
+               QStringLiteral("update: Audio track analysis complete (%1 channels, %2 Hz) | "
+                              "Configuring Export | 0.15")
+                   .arg(channels)
+                   .arg(rate),
+               QStringLiteral("update: Configuring audio writer... | Configuring Export | 0.2"),
+               QStringLiteral("update: Audio conversion setup complete | Processing Audio | 0.25"),
+               QStringLiteral("update: Starting audio conversion... | Processing Audio | 0.25"),
+           };
+}
+
+// An MPEG transport stream's packets without those of one stream: its declaration stays in the
+// programme table, its data is gone.
+QByteArray withoutStream(const QByteArray& transportStream, int pid)
+{
+    constexpr int packetSize = 188;
+    QByteArray kept;
+    for (qsizetype at = 0; at + packetSize <= transportStream.size(); at += packetSize) {
+        const auto high = static_cast<unsigned char>(transportStream.at(at + 1));
+        const auto low = static_cast<unsigned char>(transportStream.at(at + 2));
+        if ((((high & 0x1f) << 8) | low) != pid)
+            kept.append(transportStream.mid(at, packetSize));
+    }
+    return kept;
+}
+
 } // namespace
 
 class TestAudioBadInput : public QObject
@@ -125,7 +162,12 @@ private slots:
         QVERIFY(!m_tone.isEmpty());
     }
 
-    void cleanup() { QFile::remove(m_dir.filePath(QStringLiteral("refused.wav"))); }
+    void cleanup()
+    {
+        QFile::remove(m_dir.filePath(QStringLiteral("refused.wav")));
+        const QStringList problems = std::exchange(m_problems, {});
+        QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QStringLiteral("; "))));
+    }
 
     void missingSourceIsNotFound()
     {
@@ -401,6 +443,129 @@ private slots:
             QStringLiteral("stop"),
         };
         QCOMPARE(lines.mid(lines.size() - 3), tail);
+    }
+
+    // A MOV may mark a track as not to be played; only the first sound track is ever read, and
+    // here it is the one switched off.
+    void disabledFirstSoundTrackIsRefused()
+    {
+        const QString source = m_dir.filePath(QStringLiteral("disabled.mov"));
+        QVERIFY2(Fixtures::runFfmpeg(
+                     {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                      QStringLiteral("sine=d=1"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                      QStringLiteral("-i"), QStringLiteral("sine=f=880:d=1"),
+                      QStringLiteral("-map"), QStringLiteral("0"), QStringLiteral("-map"),
+                      QStringLiteral("1"), QStringLiteral("-c:a"), QStringLiteral("pcm_s16le"),
+                      QStringLiteral("-disposition:a:0"), QStringLiteral("0"),
+                      QStringLiteral("-disposition:a:1"), QStringLiteral("default"), source}),
+                 qPrintable(Fixtures::lastError()));
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const AudioTest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError, ConversionError::invalidFileStructure(QStringLiteral(
+                                               "Audio track is disabled in the source file")));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Invalid file structure: Audio track is disabled in the source "
+                                "file"));
+        QCOMPARE(lines, stoppedWith(uptoReadableCheck, QStringLiteral("Audio track is disabled")));
+        verifyUntouched(source, hash);
+    }
+
+    // A transport stream declares two sound streams but carries data for the second only: the
+    // first has neither a rate nor a channel count, so it has no stream description.
+    void soundStreamWithoutRateOrChannelsHasNoStreamDescription()
+    {
+        const QString whole = m_dir.filePath(QStringLiteral("two-streams.ts"));
+        QVERIFY2(Fixtures::runFfmpeg(
+                     {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                      QStringLiteral("sine=d=1"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                      QStringLiteral("-i"), QStringLiteral("sine=f=880:d=1"),
+                      QStringLiteral("-map"), QStringLiteral("0"), QStringLiteral("-map"),
+                      QStringLiteral("1"), QStringLiteral("-c:a"), QStringLiteral("aac"),
+                      QStringLiteral("-mpegts_start_pid"), QStringLiteral("256"), whole}),
+                 qPrintable(Fixtures::lastError()));
+        const QString source = m_dir.filePath(QStringLiteral("no-description.ts"));
+        writeFile(source, withoutStream(readFile(whole), 256));
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const AudioTest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QVERIFY2(*outcome.conversionError == ConversionError::invalidFileStructure(QStringLiteral(
+                                                 "Invalid audio format description")),
+                 qPrintable(outcome.describe()));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Invalid file structure: Invalid audio format description"));
+        QCOMPARE(lines, stoppedWith(uptoReadableCheck,
+                                    QStringLiteral("Invalid audio format description")));
+        verifyUntouched(source, hash);
+    }
+
+    // The first sound track's codec is one no decoder knows (its sample entry renamed); the
+    // second makes the file readable. Reading cannot start, and nothing has been written yet.
+    void soundTrackWithoutADecoderDoesNotStartReading()
+    {
+        const QString whole = m_dir.filePath(QStringLiteral("two-tracks.mov"));
+        QVERIFY2(Fixtures::runFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"),
+                                      QStringLiteral("-i"), QStringLiteral("sine=d=1"),
+                                      QStringLiteral("-f"), QStringLiteral("lavfi"),
+                                      QStringLiteral("-i"), QStringLiteral("sine=f=880:d=1"),
+                                      QStringLiteral("-map"), QStringLiteral("0"),
+                                      QStringLiteral("-map"), QStringLiteral("1"),
+                                      QStringLiteral("-c:a"), QStringLiteral("pcm_s16le"), whole}),
+                 qPrintable(Fixtures::lastError()));
+        QByteArray bytes = readFile(whole);
+        const qsizetype entry = bytes.indexOf("sowt", bytes.indexOf("stsd"));
+        QVERIFY(entry > 0);
+        bytes.replace(entry, 4, "qqqq");
+        const QString source = m_dir.filePath(QStringLiteral("no-decoder.mov"));
+        writeFile(source, bytes);
+        const QByteArray hash = Fixtures::sha256(source);
+        QStringList lines;
+        const AudioTest::Outcome outcome = refuse(source, &lines);
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError,
+                 ConversionError::codecNotSupported(QStringLiteral("Decoder not found")));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Codec 'Decoder not found' is not supported on this system"));
+        QCOMPARE(lines,
+                 stoppedWith(uptoStart(1, 44100), QStringLiteral("Failed to start audio reading")));
+        verifyUntouched(source, hash);
+    }
+
+    // A Matroska file written as a live stream states no duration, and FLAC gives no bit rate to
+    // guess one from. The check comes after writing has started, and the file the writer made is
+    // not removed: the engine leaves a partial output where it is.
+    void soundWithoutADurationIsRefusedAfterWritingStarted()
+    {
+        const QString source = m_dir.filePath(QStringLiteral("live.mkv"));
+        QVERIFY2(Fixtures::runFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"),
+                                      QStringLiteral("-i"), QStringLiteral("sine=d=1"),
+                                      QStringLiteral("-c:a"), QStringLiteral("flac"),
+                                      QStringLiteral("-live"), QStringLiteral("1"), source}),
+                 qPrintable(Fixtures::lastError()));
+        const QByteArray hash = Fixtures::sha256(source);
+        ManualProgressClock clock;
+        AudioConverter converter;
+        AudioTest::TrackerLog log(converter.progressTracker());
+        const QString output = m_dir.filePath(QStringLiteral("live.wav"));
+        const AudioTest::Outcome outcome = AudioTest::convert(
+            converter, source, output, AudioFormat::wav,
+            AudioTest::settingsFor(AudioCodec::pcm, SampleRate::rate48000, BitDepth::depth16));
+        QVERIFY2(outcome.conversionError, qPrintable(outcome.describe()));
+        QCOMPARE(*outcome.conversionError, ConversionError::invalidFileStructure(QStringLiteral(
+                                               "Audio track has invalid or zero duration")));
+        QCOMPARE(outcome.conversionError->errorDescription(),
+                 QStringLiteral("Invalid file structure: Audio track has invalid or zero "
+                                "duration"));
+        QCOMPARE(log.lines(),
+                 stoppedWith(uptoStart(1, 44100) +
+                                 QStringList{QStringLiteral("update: Audio processing started | "
+                                                            "Processing Audio | 0.3")},
+                             QStringLiteral("Invalid audio duration")));
+        QVERIFY(QFileInfo::exists(output));
+        QVERIFY(QFile::remove(output));
+        verifyUntouched(source, hash);
     }
 };
 

@@ -10,8 +10,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QtEndian>
 
 using TestSupport::Fixtures;
 
@@ -45,6 +47,40 @@ QStringList wavOptions(const QString& outputDirectory)
             QStringLiteral("--no-level"),      QStringLiteral("--no-settings-in-name"),
             QStringLiteral("--no-subfolders"), QStringLiteral("--overwrite"),
             QStringLiteral("--output-dir"),    outputDirectory};
+}
+
+QStringList videoOptions(const QString& outputDirectory)
+{
+    return {QStringLiteral("--format"),
+            QStringLiteral("mp4"),
+            QStringLiteral("--video-codec"),
+            QStringLiteral("h264"),
+            QStringLiteral("--no-settings-in-name"),
+            QStringLiteral("--no-subfolders"),
+            QStringLiteral("--overwrite"),
+            QStringLiteral("--output-dir"),
+            outputDirectory};
+}
+
+// Where the top-level box `type` of an MP4 file starts, or -1.
+qint64 topLevelBox(const QByteArray& file, const char* type)
+{
+    qint64 at = 0;
+    while (at + 8 <= file.size()) {
+        const auto size = qFromBigEndian<quint32>(file.constData() + at);
+        if (file.mid(at + 4, 4) == QByteArray(type))
+            return at;
+        if (size < 8)
+            return -1;
+        at += size;
+    }
+    return -1;
+}
+
+// The KiB a tmpfs needs to hold `bytes` in one file: whole 4 KiB pages.
+qint64 kibibytesInPages(qint64 bytes)
+{
+    return (bytes + 4095) / 4096 * 4;
 }
 
 QStringList hiddenNames(const QString& directory)
@@ -198,6 +234,71 @@ private slots:
         }
         QCOMPARE(result.exitCode, 1);
         QVERIFY(!result.out.contains(QStringLiteral("✅ Replaced original file")));
+        QCOMPARE(Fixtures::sha256(source), before);
+    }
+
+    // The same for a video output. Every packet is written as it is appended, and the index
+    // ("moov") goes last, when the writer finishes. The small disk holds the packets but not the
+    // index, so the disk fills after the pumps, where the failure has a way back to the run. (A
+    // full disk in mid-stream leaves a video conversion pending for good: the video pumps have
+    // no way to report a refused append.) The video engine leaves a partial output where it is;
+    // in place, the driver removes its temporary file.
+    void aFullDiskAfterTheVideoPumpsEndsTheRunWithItsText_data()
+    {
+        QTest::addColumn<bool>("inPlace");
+        QTest::newRow("to a folder") << false;
+        QTest::newRow("in place") << true;
+    }
+
+    void aFullDiskAfterTheVideoPumpsEndsTheRunWithItsText()
+    {
+        QFETCH(bool, inPlace);
+        if (!namespacesWork())
+            QSKIP("no user and mount namespace here");
+        const QString tag = QString::fromUtf8(QTest::currentDataTag()).replace(u' ', u'-');
+        const QString sources = at(QStringLiteral("video-sources-") + tag);
+        const QString roomy = at(QStringLiteral("video-roomy-") + tag);
+        const QString small = at(QStringLiteral("video-small-") + tag);
+        for (const QString& folder : {sources, roomy, small})
+            QVERIFY(QDir().mkpath(folder));
+        const QString source = Fixtures::makeVideo(sources, QStringLiteral("a.mp4"), 6.0, true);
+        QVERIFY2(!source.isEmpty(), qPrintable(Fixtures::lastError()));
+        const QByteArray before = Fixtures::sha256(source);
+
+        // Where the index starts in the same output written where there is room.
+        Result result = run(QStringLiteral(ONDRILET_CLI_EXECUTABLE), videoOptions(roomy) << source);
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.exitCode, 0);
+        QFile written(roomy + QStringLiteral("/a.mp4"));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        const QByteArray bytes = written.readAll();
+        const qint64 indexAt = topLevelBox(bytes, "moov");
+        // An index longer than a page cannot share the last page of the packets.
+        QVERIFY2(indexAt > 0 && bytes.size() - indexAt > 4096,
+                 qPrintable(QStringLiteral("index at %1 of %2").arg(indexAt).arg(bytes.size())));
+        const qint64 packetKibibytes = kibibytesInPages(indexAt);
+
+        if (inPlace) {
+            const QString inside = small + QStringLiteral("/a.mp4");
+            result =
+                runOnSmallDisk(small,
+                               QStringLiteral("%1k").arg(
+                                   kibibytesInPages(QFileInfo(source).size()) + packetKibibytes),
+                               QStringLiteral("cp '%1' \"$0\"/a.mp4").arg(source),
+                               videoOptions(small) << QStringLiteral("--yes") << inside);
+            // The copy alone is left, byte for byte.
+            QCOMPARE(result.err, diskFullError + QStringLiteral("a.mp4\n") +
+                                     QString::fromLatin1(before) + QStringLiteral("  -\n"));
+            QVERIFY(!result.out.contains(QStringLiteral("✅ Replaced original file")));
+        } else {
+            result = runOnSmallDisk(small, QStringLiteral("%1k").arg(packetKibibytes), QString(),
+                                    videoOptions(small) << source);
+            // The partial output stays: the packets without their index.
+            const QRegularExpression left(QRegularExpression::escape(diskFullError) +
+                                          QStringLiteral("a\\.mp4\n[0-9a-f]{64}  -\n"));
+            QVERIFY2(left.match(result.err).hasMatch(), qPrintable(result.err));
+        }
+        QCOMPARE(result.exitCode, 1);
         QCOMPARE(Fixtures::sha256(source), before);
     }
 };

@@ -25,6 +25,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -33,6 +34,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <unistd.h>
 
 using namespace Ondrilet;
 using ConversionEngine::AudioLevelTarget;
@@ -222,6 +224,34 @@ private:
     void release(const QString& path) { m_kept.erase(path); }
 
     QString out(const QString& relative) const { return m_outputs + u'/' + relative; }
+
+    // Runs the test function `name` (with the current data row) again in a child as the user
+    // "nobody", and passes when that run passed.
+    static void rerunAsUnprivileged(const char* name)
+    {
+        const QString setpriv = QStandardPaths::findExecutable(QStringLiteral("setpriv"));
+        if (setpriv.isEmpty())
+            QSKIP("running as root, and setpriv is missing");
+        const QString function = QString::fromLatin1(name) + QLatin1Char(':') +
+                                 QString::fromUtf8(QTest::currentDataTag());
+        QProcess child;
+        child.setProcessChannelMode(QProcess::MergedChannels);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("HOME"), QDir::tempPath());
+        child.setProcessEnvironment(environment);
+        child.start(setpriv, {QStringLiteral("--reuid=65534"), QStringLiteral("--regid=65534"),
+                              QStringLiteral("--clear-groups"),
+                              QCoreApplication::applicationFilePath(), function});
+        QVERIFY(child.waitForFinished(120000));
+        const QByteArray report = child.readAll();
+        if (child.exitStatus() == QProcess::NormalExit && child.exitCode() != 0 &&
+            report.contains("Permission denied") && !report.contains("FAIL!"))
+            QSKIP("the unprivileged user cannot run this test program here");
+        QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+                 report.constData());
+        QVERIFY2(report.contains(QByteArray("PASS   : TestMediaConverter::") + name),
+                 report.constData());
+    }
 
 private slots:
     void initTestCase() { QVERIFY(QFileInfo(QStringLiteral(FFMPEG_EXECUTABLE)).isExecutable()); }
@@ -466,6 +496,98 @@ private slots:
                              QStringLiteral("\n\nChoose a different output location or check "
                                             "folder permissions.")});
         QVERIFY(!FileAttributes::fileExists(missing));
+    }
+
+    // Making the subfolders is the last step before the engine. A name on the way that is taken
+    // by something other than a folder ends the run there, in the file system's own words, and
+    // the next file is not tried.
+    void subfolderThatCannotBeMadeStopsTheRun_data()
+    {
+        QTest::addColumn<QString>("blocker");
+        QTest::addColumn<bool>("asLink");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("a file where the format's folder goes")
+            << QStringLiteral("Audio/wav") << false << QStringLiteral("File exists");
+        QTest::newRow("a file where the kind's folder goes")
+            << QStringLiteral("Audio") << false << QStringLiteral("Not a directory");
+        QTest::newRow("a link to nowhere where the kind's folder goes")
+            << QStringLiteral("Audio") << true << QStringLiteral("No such file or directory");
+    }
+
+    void subfolderThatCannotBeMadeStopsTheRun()
+    {
+        QFETCH(QString, blocker);
+        QFETCH(bool, asLink);
+        QFETCH(QString, reason);
+        const QString a = source(QStringLiteral("a.wav"));
+        const QString b = source(QStringLiteral("b.wav"));
+        const QString blocking = out(blocker);
+        QVERIFY(QDir().mkpath(QFileInfo(blocking).path()));
+        if (asLink) {
+            QVERIFY(QFile::link(m_root->path() + QStringLiteral("/nowhere"), blocking));
+        } else {
+            QFile file(blocking);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("in the way");
+            file.close();
+            keep(blocking);
+        }
+
+        MediaConverter converter;
+        const RunResult result = run(converter, {a, b}, audioSettingsFor(AudioFormat::wav),
+                                     options(false, false, true), m_outputs, false);
+        const QString text = QStringLiteral("An unexpected error occurred: ") + reason +
+                             QStringLiteral(": ") + out(QStringLiteral("Audio/wav"));
+        QCOMPARE(result.errors, QStringList{text});
+        QCOMPARE(result.endings, qsizetype(1));
+        QCOMPARE(converter.enhancedProgressTracker()->statusMessage(), QStringLiteral("❌ ") + text);
+        QCOMPARE(converter.batchProgressManager()->fileProgresses().at(0).status,
+                 FileConversionStatus::failed(text));
+        QCOMPARE(statusOf(converter, 1), FileConversionStatus::Kind::pending);
+        QVERIFY(!batchFinished(converter));
+        QCOMPARE(converter.isConverting(), false);
+        // A link to nowhere is no file to list; it is looked at on its own.
+        QCOMPARE(Fixtures::filesBelow(m_outputs), asLink ? QStringList() : QStringList{blocker});
+        if (asLink)
+            QCOMPARE(QFileInfo(blocking).symLinkTarget(),
+                     m_root->path() + QStringLiteral("/nowhere"));
+        QVERIFY(!result.lines.join(u'\n').contains(QStringLiteral("🔄")));
+    }
+
+    // A folder the user may not write to: the old output cannot be removed, or the subfolder
+    // cannot be made. Root may do both, so then the case runs again as an unprivileged user.
+    void destinationInAFolderThatCannotBeWrittenStopsTheRun_data()
+    {
+        QTest::addColumn<bool>("subfolders");
+        QTest::newRow("removing the old output") << false;
+        QTest::newRow("making the subfolder") << true;
+    }
+
+    void destinationInAFolderThatCannotBeWrittenStopsTheRun()
+    {
+        QFETCH(bool, subfolders);
+        if (::geteuid() == 0) {
+            rerunAsUnprivileged("destinationInAFolderThatCannotBeWrittenStopsTheRun");
+            return;
+        }
+        const QString a = source(QStringLiteral("a.wav"));
+        const QString b = source(QStringLiteral("b.wav"));
+        const QString existing = source(QStringLiteral("a.wav"), 0.5, m_outputs);
+        const QString locked = m_outputs;
+        QVERIFY(QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+        MediaConverter converter;
+        const RunResult result = run(converter, {a, b}, audioSettingsFor(AudioFormat::wav),
+                                     options(false, true, subfolders), m_outputs, false);
+        QVERIFY(QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                  QFileDevice::ExeOwner));
+        const QString text = QStringLiteral("An unexpected error occurred: Permission denied: ") +
+                             (subfolders ? out(QStringLiteral("Audio")) : existing);
+        QCOMPARE(result.errors, QStringList{text});
+        QCOMPARE(result.endings, qsizetype(1));
+        QCOMPARE(converter.batchProgressManager()->fileProgresses().at(0).status,
+                 FileConversionStatus::failed(text));
+        QCOMPARE(statusOf(converter, 1), FileConversionStatus::Kind::pending);
+        QCOMPARE(allNames(m_outputs), QStringList{QStringLiteral("a.wav")});
     }
 
     void sourceDirectoryPutsEachOutputBesideItsInput()

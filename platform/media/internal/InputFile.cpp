@@ -164,7 +164,11 @@ void InputFile::openContainer()
         throw notRecognized(m_path, QStringLiteral("holds no media stream."));
     for (unsigned int i = 0; i < m_format->nb_streams; ++i) {
         const AVCodecParameters* parameters = m_format->streams[i]->codecpar;
-        if (parameters->codec_type == AVMEDIA_TYPE_AUDIO &&
+        // A stream with neither a rate nor a channel count declared nothing: a transport stream
+        // may list one that never carries data. It stays, without a stream description.
+        const bool declaresNothing =
+            parameters->sample_rate == 0 && parameters->ch_layout.nb_channels == 0;
+        if (parameters->codec_type == AVMEDIA_TYPE_AUDIO && !declaresNothing &&
             parameters->sample_rate < minimumSampleRate)
             throw MediaError::media(MediaError::invalidSourceMedia,
                                     QStringLiteral("The file “%1” is damaged: its sound is "
