@@ -256,7 +256,10 @@ void MediaConverter::prepareDestination(const QString& outputPath, const FileOpt
             throw Platform::MediaError(QStringLiteral("FileExists"), 0,
                                        QStringLiteral("Output file already exists (overwrite "
                                                       "disabled)"));
-        FileAttributes::removeItem(outputPath);
+        // Overwriting replaces a file. A folder that happens to carry the output's name holds
+        // the user's files, so it is never removed. Held by
+        // tst_mediaconverter::aFolderNamedLikeTheOutputIsNeverRemoved.
+        FileAttributes::removeFile(outputPath);
     }
     if (fileOptions.createSubfolders)
         FileAttributes::createDirectory(QFileInfo(outputPath).path(), true);

@@ -179,6 +179,12 @@ void FileAttributes::removeItem(const QString& path)
     removeEntry(AT_FDCWD, native(path), path);
 }
 
+void FileAttributes::removeFile(const QString& path)
+{
+    if (::unlink(native(path).constData()) != 0)
+        fail(Operation::write, path, errno);
+}
+
 void FileAttributes::createDirectory(const QString& path, bool withIntermediates)
 {
     if (!withIntermediates) {

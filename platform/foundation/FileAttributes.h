@@ -42,6 +42,9 @@ public:
 
     // Removes a file, a link (not what it points to) or a whole folder tree.
     static void removeItem(const QString& path);
+    // Removes a file or a link (not what it points to), never a folder: a folder fails with
+    // "Is a directory".
+    static void removeFile(const QString& path);
 
     // Creates a folder (never world-writable). With intermediates, missing parents are created
     // too and an existing folder is no error; without, an existing name is writeFileExists.

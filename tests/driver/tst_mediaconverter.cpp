@@ -457,6 +457,29 @@ private slots:
         QVERIFY(!fileLines(result.lines).join(u'\n').contains(QStringLiteral("🔄")));
     }
 
+    // Overwriting replaces files only: a folder named like the output, and what is in it, stays,
+    // and the run ends in the file system's words.
+    void aFolderNamedLikeTheOutputIsNeverRemoved()
+    {
+        const QString a = source(QStringLiteral("a.wav"));
+        const QString b = source(QStringLiteral("b.wav"));
+        const QString folder = out(QStringLiteral("a.wav"));
+        QVERIFY(QDir().mkpath(folder));
+        const QString inside = source(QStringLiteral("kept.wav"), 0.5, folder);
+        keep(inside);
+        MediaConverter converter;
+        const RunResult result = run(converter, {a, b}, audioSettingsFor(AudioFormat::wav),
+                                     options(false, true, false), m_outputs, false);
+        const QString text =
+            QStringLiteral("An unexpected error occurred: Is a directory: ") + folder;
+        QCOMPARE(result.errors, QStringList{text});
+        QCOMPARE(converter.batchProgressManager()->fileProgresses().at(0).status,
+                 FileConversionStatus::failed(text));
+        QCOMPARE(statusOf(converter, 1), FileConversionStatus::Kind::pending);
+        QVERIFY(QFileInfo(folder).isDir());
+        QCOMPARE(Fixtures::filesBelow(m_outputs), QStringList{QStringLiteral("a.wav/kept.wav")});
+    }
+
     void subfoldersGoBelowTheBaseDirectory_data()
     {
         QTest::addColumn<bool>("useSourceDirectory");
