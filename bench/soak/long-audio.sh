@@ -3,7 +3,8 @@
 # One long 48 kHz stereo source through ondrilet-cli to M4A/AAC with a loudness target (the level is
 # measured over the whole file first, then the file is converted): the resident size must stay flat,
 # at most 64 MiB apart anywhere between the 10% and the 90% mark of the run's time.
-#   bench/soak/long-audio.sh CLI [HOURS] [WORKDIR]   HOURS defaults to 3; the source is the corpus's
+#   bench/soak/long-audio.sh CLI [HOURS] [WORKDIR]   HOURS defaults to 3 (a whole number of sixths:
+#   0.5 is half an hour); the source is the corpus's
 #   10-minute WAV ($ONDRILET_CORPUS, default /tmp/ond-corpus, see bench/README.md) looped, kept in
 #   WORKDIR for the next run when WORKDIR is given.
 set -euo pipefail
@@ -25,7 +26,7 @@ rm -f "$work"/out/*
 
 source=$work/long_${hours}h_48k.wav
 if [ ! -s "$source" ]; then
-    loops=$((hours * 6 - 1))
+    loops=$(awk -v h="$hours" 'BEGIN { printf "%d", h * 6 - 1 }')
     ffmpeg -nostdin -hide_banner -loglevel error -y -stream_loop "$loops" \
         -i "$corpus/music_10min_48k24.wav" -c copy "$source"
 fi
