@@ -292,14 +292,15 @@ private slots:
         QFETCH(QStringList, options);
         QFETCH(QString, profile);
         QFETCH(int, rate);
-        const Result result = run(
+        const Result result = m_cli.run(
             options + QStringList{QStringLiteral("--no-level"), QStringLiteral("--no-subfolders"),
-                                  QStringLiteral("--output-dir"), m_out, QStringLiteral("a.wav")});
+                                  QStringLiteral("--output-dir"), m_cli.out(),
+                                  QStringLiteral("a.wav")});
         QCOMPARE(result.err, QString());
         QCOMPARE(result.exitCode, 0);
-        const QStringList files = Fixtures::filesBelow(m_out);
+        const QStringList files = Fixtures::filesBelow(m_cli.out());
         QCOMPARE(files.size(), 1);
-        const QString output = m_out + QLatin1Char('/') + files.first();
+        const QString output = m_cli.out() + QLatin1Char('/') + files.first();
         const TestSupport::AudioStreamProbe probe = Fixtures::probeAudio(output);
         QCOMPARE(probe.codecName, QStringLiteral("aac"));
         QCOMPARE(probe.sampleRate, rate);
