@@ -4,7 +4,6 @@
 // under it, where the C library's own printf would write "1,5".
 #include "ConversionEngine/core/FixedDecimals.h"
 #include "ConversionEngine/memory/MemoryManager.h"
-#include "ConversionEngine/progress/ManualProgressClock.h"
 #include "app/batch/AppMemoryManager.h"
 #include "app/batch/BatchProgressManager.h"
 #include "app/batch/ProgressTexts.h"
@@ -14,6 +13,7 @@
 #include "app/window/ConversionControls.h"
 #include "platform/media/SampleBuffer.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ManualProgressClock.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -88,7 +88,7 @@ private slots:
             return;
         }
         verifyCommaLocale();
-        ConversionEngine::ManualProgressClock clock;
+        TestSupport::ManualProgressClock clock;
         AppMemoryManager monitor;
         // 1024.1 MiB, to the byte.
         monitor.setResidentSizeSource([] { return qint64(1073846682); });
@@ -109,7 +109,9 @@ private slots:
             memory.trackBuffer(buffers.back());
         }
         batch.progressTimerFired();
-        QCOMPARE(batch.memoryUsageText(), QStringLiteral("1.5 MB"));
+        // The memory card reads the figure as the progress window does.
+        QCOMPARE(ProgressTexts::sizeText(batch.memoryStats().currentUsage),
+                 QStringLiteral("1.5 MB"));
         QCOMPARE(ProgressTexts::megabytesText(1.25), QStringLiteral("1.2 MB"));
         QCOMPARE(ProgressTexts::sizeText(1572864), QStringLiteral("1.5 MB"));
         QCOMPARE(ProgressTexts::speedText(2.75), QStringLiteral("2.8 MB/s"));
