@@ -6,6 +6,8 @@
 #include "platform/media/internal/VideoEncoder.h"
 #include "platform/media/internal/WriterState.h"
 
+#include <algorithm>
+
 namespace Platform {
 
 namespace {
@@ -134,9 +136,14 @@ void AssetWriterInput::markAsFinished() const
     if (m_state->finished)
         return;
     m_state->finished = true;
-    // The stream ended before its pump saw a failed write (the last append met it): the
-    // partial file goes as it does when the pump cancels.
-    if (writer->failedWhileWriting)
+    // A sound file's stream that ended before its pump saw a failed write (the last append met
+    // it): the partial file goes as it does when the pump cancels. A movie's partial output
+    // stays while its conversion waits after a failed append, until the program quits. Held by
+    // tst_faultmatrix::fault (the "write mid-stream" rows, sound and video).
+    const bool soundOnly =
+        std::none_of(writer->inputs.begin(), writer->inputs.end(),
+                     [](const auto& input) { return input->mediaType == MediaType::video; });
+    if (writer->failedWhileWriting && soundOnly)
         writer->cancel();
     if (writer->status() == Internal::WriterState::writing && !writer->finishing &&
         m_state->encoder) {
@@ -147,7 +154,8 @@ void AssetWriterInput::markAsFinished() const
             // An encoder may still hold data when the stream ends (chunks in its workers'
             // hands, converted PCM on its way): a write that fails now fails in mid-stream, and
             // the partial file goes as it does when the pump cancels after a failed append.
-            writer->cancel();
+            if (soundOnly)
+                writer->cancel();
         }
     }
     writer->wakeInputs(m_state.get());
