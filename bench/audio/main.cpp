@@ -8,6 +8,7 @@
 //   JOB, a part of a job's name ("AAC"), runs only the jobs that hold it.
 
 #include "ConversionEngine/audio/AudioConverter.h"
+#include "bench/common/BenchSupport.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
@@ -83,16 +84,6 @@ std::map<QString, double> threadProcessorSeconds()
     return seconds;
 }
 
-double processorSeconds(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 AudioSettings settingsOf(AudioCodec codec, SampleRate rate, std::optional<BitDepth> depth,
                          std::optional<AudioBitrate> bitrate)
 {
@@ -133,18 +124,6 @@ std::vector<Job> jobs()
     };
 }
 
-// Pointers only, so that the coroutine frame holds nothing that needs copying.
-QCoro::Task<> settle(QCoro::Task<>* task, std::exception_ptr* error, bool* done, QEventLoop* loop)
-{
-    try {
-        co_await std::move(*task);
-    } catch (...) {
-        *error = std::current_exception();
-    }
-    *done = true;
-    loop->quit();
-}
-
 bool runOurs(AudioConverter& converter, const QString& source, const QString& output,
              const Job& job, double* busiestThreadSeconds)
 {
@@ -163,7 +142,7 @@ bool runOurs(AudioConverter& converter, const QString& source, const QString& ou
     bool done = false;
     std::exception_ptr error;
     QCoro::Task<> task = converter.extractAudio(source, output, job.format, job.settings, {});
-    QCoro::Task<> waiting = settle(&task, &error, &done, &loop);
+    QCoro::Task<> waiting = Bench::settle(&task, &error, &done, &loop);
     if (!done)
         loop.exec();
     sample();
@@ -233,18 +212,18 @@ int main(int argc, char* argv[])
             QFile::remove(ourOutput);
 
             QElapsedTimer wall;
-            double processor = processorSeconds(RUSAGE_SELF);
+            double processor = Bench::processorSeconds(RUSAGE_SELF);
             wall.start();
             double busiest = 0;
             allRan = runOurs(converter, source, ourOutput, job, &busiest) && allRan;
             ours.keepBest(static_cast<double>(wall.nsecsElapsed()) * 1e-9,
-                          processorSeconds(RUSAGE_SELF) - processor, busiest);
+                          Bench::processorSeconds(RUSAGE_SELF) - processor, busiest);
 
-            processor = processorSeconds(RUSAGE_CHILDREN);
+            processor = Bench::processorSeconds(RUSAGE_CHILDREN);
             wall.restart();
             allRan = runFfmpeg(source, theirOutput, job) && allRan;
             // ffmpeg encodes audio on one thread: its processor time is its idle wall time.
-            const double theirProcessor = processorSeconds(RUSAGE_CHILDREN) - processor;
+            const double theirProcessor = Bench::processorSeconds(RUSAGE_CHILDREN) - processor;
             theirs.keepBest(static_cast<double>(wall.nsecsElapsed()) * 1e-9, theirProcessor,
                             theirProcessor);
         }

@@ -6,6 +6,7 @@
 //   SECONDS, when given, first cuts the file to that length with the ffmpeg CLI.
 
 #include "ConversionEngine/audio/AudioConverter.h"
+#include "bench/common/BenchSupport.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
@@ -30,28 +31,6 @@ struct Job
     std::optional<AudioBitrate> bitrate;
 };
 
-double processorSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-// Pointers only, so that the coroutine frame holds nothing that needs copying.
-QCoro::Task<> settle(QCoro::Task<>* task, std::exception_ptr* error, bool* done, QEventLoop* loop)
-{
-    try {
-        co_await std::move(*task);
-    } catch (...) {
-        *error = std::current_exception();
-    }
-    *done = true;
-    loop->quit();
-}
-
 bool convert(AudioConverter& converter, const QString& source, const QString& output,
              const Job& job)
 {
@@ -63,7 +42,7 @@ bool convert(AudioConverter& converter, const QString& source, const QString& ou
     bool done = false;
     std::exception_ptr error;
     QCoro::Task<> task = converter.extractAudio(source, output, AudioFormat::m4a, settings, {});
-    QCoro::Task<> waiting = settle(&task, &error, &done, &loop);
+    QCoro::Task<> waiting = Bench::settle(&task, &error, &done, &loop);
     if (!done)
         loop.exec();
     if (error) {
@@ -118,12 +97,12 @@ int main(int argc, char* argv[])
         const QString output =
             scratch.filePath(QString::fromLatin1(job.name) + QStringLiteral(".m4a"));
         QElapsedTimer wall;
-        const double processor = processorSeconds();
+        const double processor = Bench::processorSeconds(RUSAGE_SELF);
         wall.start();
         if (!convert(converter, source, output, job))
             return 1;
         const double wallSeconds = static_cast<double>(wall.nsecsElapsed()) * 1e-9;
-        const double processorUsed = processorSeconds() - processor;
+        const double processorUsed = Bench::processorSeconds(RUSAGE_SELF) - processor;
         if (job.codec == AudioCodec::aac) {
             lcWall = wallSeconds;
             lcProcessor = processorUsed;

@@ -4,6 +4,7 @@
 // The goal is a wall-clock ratio of at most 0.3. Main thread only.
 
 #include "ConversionEngine/level/IntegratedLoudnessAnalyzer.h"
+#include "bench/common/BenchSupport.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
@@ -37,16 +38,6 @@ struct Timing
         processorSeconds = std::min(processorSeconds, processor);
     }
 };
-
-double processorSeconds(int who)
-{
-    rusage usage{};
-    getrusage(who, &usage);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
 
 // Pointers only, so the coroutine frame holds nothing that needs copying.
 QCoro::Task<> settle(QCoro::Task<IntegratedLoudnessAnalyzer::Result>* task,
@@ -82,12 +73,12 @@ Timing timeOurs(const QString& path, int runs)
 {
     Timing timing;
     for (int run = 0; run < runs; ++run) {
-        const double processorBefore = processorSeconds(RUSAGE_SELF);
+        const double processorBefore = Bench::processorSeconds(RUSAGE_SELF);
         QElapsedTimer clock;
         clock.start();
         const IntegratedLoudnessAnalyzer::Result result = analyseOnce(path);
         timing.keepBest(static_cast<double>(clock.nsecsElapsed()) * 1e-9,
-                        processorSeconds(RUSAGE_SELF) - processorBefore);
+                        Bench::processorSeconds(RUSAGE_SELF) - processorBefore);
         timing.integrated = QString::number(static_cast<double>(result.integratedLUFS), 'f', 1);
     }
     return timing;
@@ -99,7 +90,7 @@ std::optional<Timing> timeFfmpeg(const QString& path, int runs)
     static const QRegularExpression integratedLine(QStringLiteral("I:\\s+(-?[0-9.]+) LUFS"));
     for (int run = 0; run < runs; ++run) {
         QProcess ffmpeg;
-        const double processorBefore = processorSeconds(RUSAGE_CHILDREN);
+        const double processorBefore = Bench::processorSeconds(RUSAGE_CHILDREN);
         QElapsedTimer clock;
         clock.start();
         ffmpeg.start(QStringLiteral(FFMPEG_EXECUTABLE),
@@ -110,7 +101,7 @@ std::optional<Timing> timeFfmpeg(const QString& path, int runs)
         if (!ffmpeg.waitForFinished(-1) || ffmpeg.exitCode() != 0)
             return std::nullopt;
         timing.keepBest(static_cast<double>(clock.nsecsElapsed()) * 1e-9,
-                        processorSeconds(RUSAGE_CHILDREN) - processorBefore);
+                        Bench::processorSeconds(RUSAGE_CHILDREN) - processorBefore);
         // The running lines carry an "I:" too; the summary's comes last.
         QRegularExpressionMatchIterator matches =
             integratedLine.globalMatch(QString::fromUtf8(ffmpeg.readAllStandardError()));

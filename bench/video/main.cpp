@@ -9,6 +9,7 @@
 //   bench_video --one SOURCE OUTPUT CODEC RESOLUTION RATE   (one conversion; used by the above)
 
 #include "ConversionEngine/video/VideoConverter.h"
+#include "bench/common/BenchSupport.h"
 
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
@@ -113,18 +114,6 @@ Measure spawnAndMeasure(const QString& program, const QStringList& arguments)
     return measure;
 }
 
-// Pointers only, so that the coroutine frame holds nothing that needs copying.
-QCoro::Task<> settle(QCoro::Task<>* task, std::exception_ptr* error, bool* done, QEventLoop* loop)
-{
-    try {
-        co_await std::move(*task);
-    } catch (...) {
-        *error = std::current_exception();
-    }
-    *done = true;
-    loop->quit();
-}
-
 int convertOne(const QStringList& arguments)
 {
     VideoConversionSettings settings;
@@ -145,7 +134,7 @@ int convertOne(const QStringList& arguments)
     std::exception_ptr error;
     QCoro::Task<> task =
         converter.convertVideo(arguments.at(1), arguments.at(2), settings, std::nullopt, {});
-    QCoro::Task<> waiting = settle(&task, &error, &done, &loop);
+    QCoro::Task<> waiting = Bench::settle(&task, &error, &done, &loop);
     if (!done)
         loop.exec();
     if (error) {
