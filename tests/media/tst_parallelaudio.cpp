@@ -66,6 +66,19 @@ SettingsDictionary alacSettings()
     };
 }
 
+SettingsDictionary pcmSettings(int outputRate, int bits, bool bigEndian, int channels)
+{
+    return SettingsDictionary{
+        {SettingsKey::formatId, QVariant::fromValue(AudioFormatId::linearPCM)},
+        {SettingsKey::sampleRate, QVariant::fromValue(float(outputRate))},
+        {SettingsKey::numberOfChannels, channels},
+        {SettingsKey::linearPCMBitDepth, bits},
+        {SettingsKey::linearPCMIsBigEndian, bigEndian},
+        {SettingsKey::linearPCMIsFloat, false},
+        {SettingsKey::linearPCMIsNonInterleaved, false},
+    };
+}
+
 // Sets how the writer spreads its encode for the writers made while it lives.
 class EncodeSplit
 {
@@ -396,18 +409,23 @@ private slots:
         QTest::addColumn<int>("outputRate");
         QTest::addColumn<int>("bits");
         QTest::addColumn<QStringList>("ffmpegArguments");
+        QTest::addColumn<int>("channels");
+        const QStringList soxrTo44100{"-af", "aresample=resampler=soxr", "-ar", "44100"};
         for (const int workers : {1, 2}) {
             const QByteArray split = workers == 1 ? " serial" : " on a thread";
             QTest::newRow("wav 16" + split)
-                << workers << "wav" << rate << 16 << QStringList{"-c:a", "pcm_s16le"};
+                << workers << "wav" << rate << 16 << QStringList{"-c:a", "pcm_s16le"} << 2;
             QTest::newRow("aiff 24" + split)
-                << workers << "aiff" << rate << 24 << QStringList{"-c:a", "pcm_s24be"};
+                << workers << "aiff" << rate << 24 << QStringList{"-c:a", "pcm_s24be"} << 2;
             QTest::newRow("wav 32" + split)
-                << workers << "wav" << rate << 32 << QStringList{"-c:a", "pcm_s32le"};
+                << workers << "wav" << rate << 32 << QStringList{"-c:a", "pcm_s32le"} << 2;
+            // On a thread, a rate change resamples the channels in two groups on two threads.
             QTest::newRow("wav 16 at 44.1 kHz" + split)
-                << workers << "wav" << 44100 << 16
-                << QStringList{"-af",      "aresample=resampler=soxr", "-ar", "44100", "-c:a",
-                               "pcm_s16le"};
+                << workers << "wav" << 44100 << 16 << soxrTo44100 + QStringList{"-c:a", "pcm_s16le"}
+                << 2;
+            QTest::newRow("aiff 24 at 44.1 kHz, three channels" + split)
+                << workers << "aiff" << 44100 << 24
+                << soxrTo44100 + QStringList{"-c:a", "pcm_s24be"} << 3;
         }
     }
 
@@ -418,28 +436,27 @@ private slots:
         QFETCH(int, outputRate);
         QFETCH(int, bits);
         QFETCH(QStringList, ffmpegArguments);
-        const QString source = path("loud.wav");
+        QFETCH(int, channels);
+        const QString fixture = QStringLiteral("loud%1.wav").arg(channels);
+        const QString source = path(fixture);
+        const QString waves = channels == 2
+                                  ? QStringLiteral("1.3*sin(2*PI*187*t)|0.9*sin(2*PI*61*t)")
+                                  : QStringLiteral("1.3*sin(2*PI*187*t)|0.9*sin(2*PI*61*t)"
+                                                   "|0.5*sin(2*PI*1999*t)");
         if (!QFileInfo::exists(source))
-            QVERIFY(!makeFixture("loud.wav", {"-f", "lavfi", "-i",
-                                              "aevalsrc='1.3*sin(2*PI*187*t)|0.9*sin(2*PI*61*t)':"
-                                              "s=48000:d=1.5",
-                                              "-c:a", "pcm_f32le"})
+            QVERIFY(!makeFixture(fixture, {"-f", "lavfi", "-i",
+                                           QStringLiteral("aevalsrc='%1':s=48000:d=1.5").arg(waves),
+                                           "-c:a", "pcm_f32le"})
                          .isEmpty());
-        const QString ours = path(QStringLiteral("ours-%1-%2-%3.%4")
+        const QString ours = path(QStringLiteral("ours-%1-%2-%3-%4.%5")
                                       .arg(workers)
                                       .arg(bits)
                                       .arg(outputRate)
+                                      .arg(channels)
                                       .arg(extension));
         const QString theirs = ours + QStringLiteral(".ffmpeg.") + extension;
-        const SettingsDictionary settings{
-            {SettingsKey::formatId, QVariant::fromValue(AudioFormatId::linearPCM)},
-            {SettingsKey::sampleRate, QVariant::fromValue(float(outputRate))},
-            {SettingsKey::numberOfChannels, 2},
-            {SettingsKey::linearPCMBitDepth, bits},
-            {SettingsKey::linearPCMIsBigEndian, extension == QLatin1String("aiff")},
-            {SettingsKey::linearPCMIsFloat, false},
-            {SettingsKey::linearPCMIsNonInterleaved, false},
-        };
+        const SettingsDictionary settings =
+            pcmSettings(outputRate, bits, extension == QLatin1String("aiff"), channels);
         {
             const EncodeSplit split(workers, segmentSeconds);
             QCOMPARE(convert(source, ours,
@@ -453,6 +470,7 @@ private slots:
         const DecodedAudio ourSound = Fixtures::decode(ours);
         const DecodedAudio theirSound = Fixtures::decode(theirs);
         QCOMPARE(ourSound.sampleRate, outputRate);
+        QCOMPARE(ourSound.channels, channels);
         QCOMPARE(ourSound.frameCount(), theirSound.frameCount());
         QVERIFY(ourSound.samples == theirSound.samples);
     }
@@ -491,7 +509,8 @@ private slots:
         QVERIFY(!input.append(buffer));
     }
 
-    // The full disk is met while chunks are in the workers' hands.
+    // The full disk is met while chunks are in the workers' hands, or while the PCM thread
+    // writes the file.
     void aFullDiskInTheMiddleIsDiskFull()
     {
         if (qEnvironmentVariableIsSet("ONDRILET_PARALLEL_FULL_DISK")) {
@@ -500,14 +519,26 @@ private slots:
                              "size=64k") == 0,
                      strerror(errno));
             const EncodeSplit split(3, 0.25);
-            const QString target = QDir(folder).filePath("out.m4a");
-            const Outcome outcome = convert(qEnvironmentVariable("ONDRILET_PARALLEL_SOURCE"),
-                                            target, FileType::appleM4A, alacSettings());
-            QVERIFY(outcome.completed);
-            QCOMPARE(outcome.status, AssetWriter::Status::failed);
-            QVERIFY(outcome.error.has_value());
-            QCOMPARE(outcome.error->code(), -11807);
-            QVERIFY(!QFileInfo::exists(target));
+            const struct
+            {
+                const char* name;
+                FileType type;
+                SettingsDictionary settings;
+            } outputs[] = {
+                {"out.m4a", FileType::appleM4A, alacSettings()},
+                {"packed.aiff", FileType::aiff, pcmSettings(rate, 24, true, 2)},
+                {"resampled.wav", FileType::wave, pcmSettings(44100, 16, false, 2)},
+            };
+            for (const auto& output : outputs) {
+                const QString target = QDir(folder).filePath(QString::fromLatin1(output.name));
+                const Outcome outcome = convert(qEnvironmentVariable("ONDRILET_PARALLEL_SOURCE"),
+                                                target, output.type, output.settings);
+                QVERIFY2(outcome.completed, output.name);
+                QCOMPARE(outcome.status, AssetWriter::Status::failed);
+                QVERIFY2(outcome.error.has_value(), output.name);
+                QCOMPARE(outcome.error->code(), -11807);
+                QVERIFY2(!QFileInfo::exists(target), output.name);
+            }
             return;
         }
         const QString source = path("pad.wav");

@@ -114,6 +114,8 @@ AudioEncoder::AudioEncoder(const AudioEncoding& encoding, FileType fileType, int
 
 AudioEncoder::~AudioEncoder()
 {
+    // The thread writes through this encoder's packet state: it goes first.
+    m_pcmThread.reset();
     releaseStaging();
 }
 
@@ -374,6 +376,12 @@ void AudioEncoder::collectPcm(const std::uint8_t* bytes, int frames, PacketWrite
 {
     const std::size_t frameBytes = static_cast<std::size_t>(m_context->ch_layout.nb_channels) *
                                    static_cast<std::size_t>(m_packer.bytesPerSample());
+    // Whole packets straight from the caller's bytes while none is half filled.
+    while (m_filled == 0 && frames >= m_frameSize) {
+        writePcmBytes(bytes, m_frameSize, writer);
+        bytes += static_cast<std::size_t>(m_frameSize) * frameBytes;
+        frames -= m_frameSize;
+    }
     while (frames > 0) {
         const int taken = std::min(m_frameSize - m_filled, frames);
         std::memcpy(m_pcmBytes.data() + static_cast<std::size_t>(m_filled) * frameBytes, bytes,
@@ -413,11 +421,30 @@ void AudioEncoder::writePcmBytes(const std::uint8_t* bytes, int frames, PacketWr
     av_packet_unref(packet);
 }
 
-void AudioEncoder::configureResampler(const SampleBuffer& buffer)
+void AudioEncoder::noteInput(const SampleBuffer& buffer)
 {
     m_inputFormat = buffer.sampleFormat();
     m_inputRate = buffer.sampleRate();
     m_inputChannels = buffer.channelCount();
+}
+
+bool AudioEncoder::onlyRateChanges(const SampleBuffer& buffer) const
+{
+    const int channels = m_context->ch_layout.nb_channels;
+    AVChannelLayout plain = {};
+    av_channel_layout_default(&plain, channels);
+    // The converter would keep the channels as they are only where the output's layout is the
+    // plain one for its count, the layout the input is read in.
+    const bool plainLayout = av_channel_layout_compare(&plain, &m_context->ch_layout) == 0;
+    av_channel_layout_uninit(&plain);
+    return plainLayout && channels >= 2 && buffer.channelCount() == channels &&
+           buffer.sampleFormat() == SampleBuffer::SampleFormat::float32 &&
+           buffer.sampleRate() != m_context->sample_rate;
+}
+
+void AudioEncoder::configureResampler(const SampleBuffer& buffer)
+{
+    noteInput(buffer);
     AVChannelLayout inputLayout = {};
     av_channel_layout_default(&inputLayout, m_inputChannels);
     SwrContext* context = nullptr;
@@ -572,16 +599,27 @@ bool AudioEncoder::convertPcmOnThread(const std::shared_ptr<const SampleBuffer>&
         if (m_filled > 0)
             writePcmPacket(m_filled, writer);
         m_filled = 0;
-        if (!direct)
-            configureResampler(buffer);
         m_pcmThreadPacksOnly = direct;
-        m_pcmThread =
-            std::make_unique<PcmConversionThread>(direct ? ResamplerPtr() : std::move(m_resampler),
-                                                  m_packer, m_context->ch_layout.nb_channels);
+        // From here until the thread is finished, only the thread writes packets: the writer
+        // has this one input, and the packet state below is the thread's alone.
+        auto sink = [this, &writer](const std::uint8_t* bytes, int frames) {
+            collectPcm(bytes, frames, writer);
+        };
+        const int channels = m_context->ch_layout.nb_channels;
+        if (direct) {
+            m_pcmThread = std::make_unique<PcmConversionThread>(ResamplerPtr(), m_packer, channels,
+                                                                std::move(sink));
+        } else if (onlyRateChanges(buffer)) {
+            noteInput(buffer);
+            m_pcmThread = std::make_unique<PcmConversionThread>(
+                buffer.sampleRate(), m_context->sample_rate, m_packer, channels, std::move(sink));
+        } else {
+            configureResampler(buffer);
+            m_pcmThread = std::make_unique<PcmConversionThread>(std::move(m_resampler), m_packer,
+                                                                channels, std::move(sink));
+        }
     }
-    m_pcmThread->submit(shared, [this, &writer](const std::uint8_t* bytes, int frames) {
-        collectPcm(bytes, frames, writer);
-    });
+    m_pcmThread->submit(shared);
     return true;
 }
 
@@ -589,9 +627,12 @@ void AudioEncoder::finishPcmThread(PacketWriter& writer)
 {
     if (!m_pcmThread)
         return;
-    m_pcmThread->finish([this, &writer](const std::uint8_t* bytes, int frames) {
-        collectPcm(bytes, frames, writer);
-    });
+    try {
+        m_pcmThread->finish();
+    } catch (const MediaError&) {
+        m_pcmThread.reset();
+        throw;
+    }
     m_pcmThread.reset();
     if (m_filled > 0)
         writePcmPacket(m_filled, writer);

@@ -71,6 +71,10 @@ private:
     // packing here makes them (the file sees the same writes either way).
     void collectPcm(const std::uint8_t* bytes, int frames, PacketWriter& writer);
     // Resamples where needed and packs on the conversion thread; false where it is not used.
+    void noteInput(const SampleBuffer& buffer);
+    // True when `buffer` differs from the output in its rate alone (float, same channels in the
+    // plain order): its channels can then be resampled apart.
+    bool onlyRateChanges(const SampleBuffer& buffer) const;
     bool convertPcmOnThread(const std::shared_ptr<const SampleBuffer>& buffer,
                             PacketWriter& writer);
     void finishPcmThread(PacketWriter& writer);

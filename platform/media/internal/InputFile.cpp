@@ -10,9 +10,12 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/mem.h>
+#include <libavutil/opt.h>
 }
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <mutex>
 #include <sys/stat.h>
@@ -84,6 +87,7 @@ InputFile::InputFile(const QString& path)
     try {
         openDescriptor();
         openContainer();
+        enlargeRawPackets();
     } catch (...) {
         close();
         throw;
@@ -176,6 +180,26 @@ void InputFile::openContainer()
                                         .arg(displayName(m_path))
                                         .arg(parameters->sample_rate));
     }
+}
+
+void InputFile::enlargeRawPackets()
+{
+    // These two containers hand out raw samples in packets of 4096 bytes unless told otherwise:
+    // a few hundred frames each, every one a decode call, a frame and a conversion of its own.
+    // Packets of one sample buffer's length do the same work in a tenth of the calls.
+    const QByteArray name(m_format->iformat->name);
+    if (name != "wav" && name != "w64")
+        return;
+    int blockAlign = 0;
+    for (unsigned int i = 0; i < m_format->nb_streams; ++i)
+        blockAlign = std::max(blockAlign, m_format->streams[i]->codecpar->block_align);
+    if (blockAlign <= 0)
+        return;
+    constexpr std::int64_t smallest = 1024; // the option's own bounds
+    constexpr std::int64_t largest = 1 << 22;
+    const std::int64_t bytes =
+        std::clamp<std::int64_t>(std::int64_t{blockAlign} * framesPerRawPacket, smallest, largest);
+    av_opt_set_int(m_format->priv_data, "max_size", bytes, 0);
 }
 
 void InputFile::close()

@@ -28,10 +28,13 @@ public:
     // Bounds that keep a hostile file from exhausting memory.
     static constexpr int maximumStreams = 100;
     static constexpr long long maximumPixels = 8192LL * 8192LL;
+    // Frames in each packet of a WAV or Wave64 file's raw samples.
+    static constexpr int framesPerRawPacket = 8192;
 
 private:
     void openDescriptor();
     void openContainer();
+    void enlargeRawPackets();
     void close();
 
     QString m_path;

@@ -8,10 +8,28 @@
 namespace Platform::Internal {
 
 PcmConversionThread::PcmConversionThread(ResamplerPtr resampler, const PcmPacker& packer,
-                                         int outputChannels)
+                                         int outputChannels, BlockSink sink)
     : m_resampler(std::move(resampler))
     , m_packer(packer)
     , m_channels(outputChannels)
+    , m_sink(std::move(sink))
+{
+    start();
+}
+
+PcmConversionThread::PcmConversionThread(int inputRate, int outputRate, const PcmPacker& packer,
+                                         int channels, BlockSink sink)
+    : m_front(std::make_unique<ChannelGroupResampler>(inputRate, outputRate, 0, channels / 2))
+    , m_back(std::make_unique<ChannelGroupResampler>(inputRate, outputRate, channels / 2,
+                                                     channels - channels / 2))
+    , m_packer(packer)
+    , m_channels(channels)
+    , m_sink(std::move(sink))
+{
+    start();
+}
+
+void PcmConversionThread::start()
 {
     m_thread = std::thread([this] { run(); });
 }
@@ -26,52 +44,57 @@ PcmConversionThread::~PcmConversionThread()
     m_thread.join();
 }
 
-void PcmConversionThread::submit(std::shared_ptr<const SampleBuffer> buffer, const BlockSink& sink)
+void PcmConversionThread::submit(std::shared_ptr<const SampleBuffer> buffer)
 {
-    queue(std::move(buffer), false, sink);
-    while (m_written < m_submitted && writeOldest(sink, false)) {
+    queue(std::move(buffer), false);
+    while (m_reclaimed < m_submitted && reclaimOldest(false)) {
     }
 }
 
-void PcmConversionThread::finish(const BlockSink& sink)
+void PcmConversionThread::finish()
 {
-    queue(nullptr, true, sink);
-    while (m_written < m_submitted)
-        writeOldest(sink, true);
+    queue(nullptr, true);
+    while (m_reclaimed < m_submitted)
+        reclaimOldest(true);
 }
 
-void PcmConversionThread::queue(std::shared_ptr<const SampleBuffer> buffer, bool drains,
-                                const BlockSink& sink)
+void PcmConversionThread::queue(std::shared_ptr<const SampleBuffer> buffer, bool drains)
 {
-    while (m_submitted - m_written >= static_cast<std::int64_t>(slotCount))
-        writeOldest(sink, true);
+    while (m_submitted - m_reclaimed >= static_cast<std::int64_t>(slotCount))
+        reclaimOldest(true);
     Block& block = m_blocks[static_cast<std::size_t>(m_submitted) % slotCount];
     block.input = std::move(buffer);
     block.drains = drains;
     block.frames = 0;
     block.error.reset();
+    if (m_front)
+        convertFront(block);
+    bool wake = false;
     {
         const std::lock_guard lock(m_mutex);
         block.done = false;
         ++m_submitted;
+        wake = m_converterWaiting;
     }
-    m_workAvailable.notify_one();
+    // A wake-up costs more than packing a small block: only a thread that sleeps gets one.
+    if (wake)
+        m_workAvailable.notify_one();
 }
 
-bool PcmConversionThread::writeOldest(const BlockSink& sink, bool wait)
+bool PcmConversionThread::reclaimOldest(bool wait)
 {
-    Block& block = m_blocks[static_cast<std::size_t>(m_written) % slotCount];
+    Block& block = m_blocks[static_cast<std::size_t>(m_reclaimed) % slotCount];
     {
         std::unique_lock lock(m_mutex);
         if (!block.done && !wait)
             return false;
+        m_writerWaiting = true;
         m_blockDone.wait(lock, [&] { return block.done; });
+        m_writerWaiting = false;
     }
+    ++m_reclaimed;
     if (block.error)
         throw *block.error;
-    if (block.frames > 0)
-        sink(block.bytes.data(), block.frames);
-    ++m_written;
     return true;
 }
 
@@ -81,25 +104,50 @@ void PcmConversionThread::run()
         Block* block = nullptr;
         {
             std::unique_lock lock(m_mutex);
+            m_converterWaiting = true;
             m_workAvailable.wait(lock, [&] { return m_stopping || m_converted < m_submitted; });
+            m_converterWaiting = false;
             if (m_stopping)
                 return;
             block = &m_blocks[static_cast<std::size_t>(m_converted) % slotCount];
         }
-        convert(*block);
+        process(*block);
+        bool wake = false;
         {
             const std::lock_guard lock(m_mutex);
             block->done = true;
             ++m_converted;
+            wake = m_writerWaiting;
         }
-        m_blockDone.notify_all();
+        if (wake)
+            m_blockDone.notify_all();
     }
+}
+
+void PcmConversionThread::process(Block& block)
+{
+    if (m_failure) {
+        block.error = m_failure;
+    } else {
+        convert(block);
+        try {
+            if (!block.error && block.frames > 0)
+                m_sink(block.bytes.data(), block.frames);
+        } catch (const MediaError& error) {
+            block.error = error;
+        }
+        m_failure = block.error;
+    }
+    // The reader may fill the buffer again.
+    block.input.reset();
 }
 
 void PcmConversionThread::convert(Block& block)
 {
     try {
-        if (!m_resampler) {
+        if (m_back) {
+            convertBack(block);
+        } else if (!m_resampler) {
             if (!block.drains)
                 pack(block);
         } else if (block.drains) {
@@ -112,8 +160,39 @@ void PcmConversionThread::convert(Block& block)
     } catch (const MediaError& error) {
         block.error = error;
     }
-    // The reader may fill the buffer again.
-    block.input.reset();
+}
+
+void PcmConversionThread::convertFront(Block& block)
+{
+    if (block.drains) {
+        block.frontFrames = m_front->flush(block.front);
+        return;
+    }
+    const SampleBuffer& input = *block.input;
+    block.frontFrames = m_front->convert(input.data(), m_channels, input.frameCount(), block.front);
+}
+
+void PcmConversionThread::convertBack(Block& block)
+{
+    const int frames = block.drains ? m_back->flush(m_staging)
+                                    : m_back->convert(block.input->data(), m_channels,
+                                                      block.input->frameCount(), m_staging);
+    // Each group's resampler took the same frames: each gives the same count back.
+    if (frames != block.frontFrames)
+        throw MediaError::media(
+            MediaError::unknown,
+            QStringLiteral("Cannot resample audio: the channels drifted apart"));
+    const auto sampleBytes = static_cast<std::size_t>(m_packer.bytesPerSample());
+    const std::size_t needed =
+        static_cast<std::size_t>(frames) * static_cast<std::size_t>(m_channels) * sampleBytes;
+    if (block.bytes.size() < needed)
+        block.bytes.resize(needed);
+    m_packer.packChannels(block.front.data(), frames, m_front->channelCount(), m_channels,
+                          block.bytes.data());
+    m_packer.packChannels(m_staging.data(), frames, m_back->channelCount(), m_channels,
+                          block.bytes.data() +
+                              static_cast<std::size_t>(m_back->firstChannel()) * sampleBytes);
+    block.frames = frames;
 }
 
 void PcmConversionThread::pack(Block& block)

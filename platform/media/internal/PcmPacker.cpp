@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 
@@ -31,7 +32,7 @@ inline std::int32_t toInt16(float value)
                                                       : (rounded > 32767 ? 32767 : rounded));
 }
 
-// The 32-bit value FFmpeg makes of a float; 24-bit output keeps its top three bytes.
+// The 32-bit value FFmpeg makes of a float.
 inline std::int32_t toInt32(float value)
 {
     const std::int64_t rounded = roundToInteger(value * 2147483648.0f);
@@ -61,6 +62,47 @@ void packAll(const float* input, int count, bool bigEndian, std::uint8_t* output
             store<Bytes>(convert(input[index]), false, output);
     }
 }
+
+template <int Bytes, bool BigEndian, typename Convert>
+void packStridedAs(const float* input, int frames, int channels, std::size_t frameBytes,
+                   std::uint8_t* output, Convert convert)
+{
+    for (int frame = 0; frame < frames; ++frame, output += frameBytes) {
+        for (int channel = 0; channel < channels; ++channel, ++input)
+            store<Bytes>(convert(*input), BigEndian, output + channel * Bytes);
+    }
+}
+
+template <int Bytes, typename Convert>
+void packStrided(const float* input, int frames, int channels, std::size_t frameBytes,
+                 bool bigEndian, std::uint8_t* output, Convert convert)
+{
+    if (bigEndian)
+        packStridedAs<Bytes, true>(input, frames, channels, frameBytes, output, convert);
+    else
+        packStridedAs<Bytes, false>(input, frames, channels, frameBytes, output, convert);
+}
+
+constexpr auto int16Bits = [](float value) -> std::uint64_t {
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt16(value)));
+};
+
+// 24-bit output keeps the top three bytes of the 32-bit value.
+constexpr auto int24Bits = [](float value) -> std::uint64_t {
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt32(value) >> 8));
+};
+
+constexpr auto int32Bits = [](float value) -> std::uint64_t {
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt32(value)));
+};
+
+constexpr auto float32Bits = [](float value) -> std::uint64_t {
+    return static_cast<std::uint64_t>(std::bit_cast<std::uint32_t>(value));
+};
+
+constexpr auto float64Bits = [](float value) -> std::uint64_t {
+    return std::bit_cast<std::uint64_t>(static_cast<double>(value));
+};
 
 } // namespace
 
@@ -100,43 +142,51 @@ PcmPacker::PcmPacker(AVCodecID codec)
                   codec == AV_CODEC_ID_PCM_F64BE;
 }
 
-void PcmPacker::pack(const float* input, int sampleCount, std::uint8_t* output) const
+template <typename Body>
+void PcmPacker::withLayout(Body&& body) const
 {
     switch (m_layout) {
     case Layout::int16:
-        if (!m_bigEndian) {
-            // The common case gets the plainest loop.
-            for (int index = 0; index < sampleCount; ++index) {
-                const auto value = static_cast<std::int16_t>(toInt16(input[index]));
-                std::memcpy(output + 2 * index, &value, 2);
-            }
-            return;
-        }
-        packAll<2>(input, sampleCount, true, output, [](float value) {
-            return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt16(value)));
-        });
+        body.template operator()<2>(int16Bits);
         return;
     case Layout::int24:
-        packAll<3>(input, sampleCount, m_bigEndian, output, [](float value) {
-            return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt32(value) >> 8));
-        });
+        body.template operator()<3>(int24Bits);
         return;
     case Layout::int32:
-        packAll<4>(input, sampleCount, m_bigEndian, output, [](float value) {
-            return static_cast<std::uint64_t>(static_cast<std::uint32_t>(toInt32(value)));
-        });
+        body.template operator()<4>(int32Bits);
         return;
     case Layout::float32:
-        packAll<4>(input, sampleCount, m_bigEndian, output, [](float value) {
-            return static_cast<std::uint64_t>(std::bit_cast<std::uint32_t>(value));
-        });
+        body.template operator()<4>(float32Bits);
         return;
     case Layout::float64:
-        packAll<8>(input, sampleCount, m_bigEndian, output, [](float value) {
-            return std::bit_cast<std::uint64_t>(static_cast<double>(value));
-        });
+        body.template operator()<8>(float64Bits);
         return;
     }
+}
+
+void PcmPacker::pack(const float* input, int sampleCount, std::uint8_t* output) const
+{
+    if (m_layout == Layout::int16 && !m_bigEndian) {
+        // The common case gets the plainest loop.
+        for (int index = 0; index < sampleCount; ++index) {
+            const auto value = static_cast<std::int16_t>(toInt16(input[index]));
+            std::memcpy(output + 2 * index, &value, 2);
+        }
+        return;
+    }
+    withLayout([&]<int Bytes>(auto convert) {
+        packAll<Bytes>(input, sampleCount, m_bigEndian, output, convert);
+    });
+}
+
+void PcmPacker::packChannels(const float* input, int frames, int channels, int frameChannels,
+                             std::uint8_t* output) const
+{
+    const auto frameBytes =
+        static_cast<std::size_t>(frameChannels) * static_cast<std::size_t>(m_bytesPerSample);
+    withLayout([&]<int Bytes>(auto convert) {
+        packStrided<Bytes>(input, frames, channels, frameBytes, m_bigEndian, output, convert);
+    });
 }
 
 } // namespace Platform::Internal

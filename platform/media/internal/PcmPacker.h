@@ -24,6 +24,11 @@ public:
 
     // Packs `sampleCount` samples (frames × channels) from `input` into `output`.
     void pack(const float* input, int sampleCount, std::uint8_t* output) const;
+    // Packs `frames` frames of `channels` interleaved samples from `input` into the first
+    // `channels` samples of each frame of `output`, whose frames hold `frameChannels` samples:
+    // one group of a stream's channels into the stream's bytes.
+    void packChannels(const float* input, int frames, int channels, int frameChannels,
+                      std::uint8_t* output) const;
 
 private:
     enum class Layout
@@ -34,6 +39,10 @@ private:
         float32,
         float64,
     };
+
+    // Calls body.operator()<Bytes>(convert) with this layout's size and sample conversion.
+    template <typename Body>
+    void withLayout(Body&& body) const;
 
     Layout m_layout = Layout::int16;
     bool m_bigEndian = false;
