@@ -509,6 +509,43 @@ private slots:
         QVERIFY(!input.append(buffer));
     }
 
+    // A writer let go in the middle of writing, as a conversion whose reader fails lets it go:
+    // the PCM thread that writes its blocks stops before the muxer and the file go (a build with
+    // the address checker sees any write after them), and the next conversion runs as ever.
+    void aWriterLetGoWhileItsThreadWritesStopsTheThreadFirst()
+    {
+        const EncodeSplit split(2, segmentSeconds);
+        const QString source = path("pad.wav");
+        const Asset asset(source);
+        const AssetTrack track = asset.tracks(MediaType::audio).at(0);
+        AssetReader reader(asset);
+        auto output = std::make_shared<AssetReaderTrackOutput>(track, decodeSettings());
+        reader.add(output);
+        QVERIFY(reader.startReading());
+        {
+            AssetWriter writer(path("let-go.wav"), FileType::wave);
+            const AssetWriterInput input(MediaType::audio, pcmSettings(44100, 16, false, 2),
+                                         track.formatDescriptions().at(0));
+            writer.add(input);
+            QVERIFY(writer.startWriting());
+            writer.startSession(MediaTime::zero());
+            for (int count = 0; count < 8; ++count) {
+                const std::shared_ptr<SampleBuffer> buffer = output->copyNextSampleBuffer();
+                QVERIFY(buffer);
+                QVERIFY(input.isReadyForMoreMediaData());
+                QVERIFY(input.append(buffer));
+            }
+            QCOMPARE(writer.status(), AssetWriter::Status::writing);
+        }
+        const QString next = path("after-let-go.wav");
+        {
+            const EncodeSplit again(2, segmentSeconds);
+            QCOMPARE(convert(source, next, FileType::wave, pcmSettings(44100, 16, false, 2)).status,
+                     AssetWriter::Status::completed);
+        }
+        QCOMPARE(Fixtures::decode(next).sampleRate, 44100);
+    }
+
     // The full disk is met while chunks are in the workers' hands, or while the PCM thread
     // writes the file.
     void aFullDiskInTheMiddleIsDiskFull()

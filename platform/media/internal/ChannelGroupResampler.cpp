@@ -31,6 +31,12 @@ ChannelGroupResampler::ChannelGroupResampler(int inputRate, int outputRate, int 
         throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot resample audio"));
     av_opt_set_int(context, "resampler", SWR_ENGINE_SOXR, 0);
     result = swr_init(context);
+    if (result < 0) {
+        // A build without soxr falls back to the built-in resampler, as the others do; it too
+        // treats every channel on its own.
+        av_opt_set_int(context, "resampler", SWR_ENGINE_SWR, 0);
+        result = swr_init(context);
+    }
     if (result < 0)
         throw mediaErrorFromFfmpeg(result, QStringLiteral("Cannot resample audio"));
 }
@@ -42,9 +48,10 @@ int ChannelGroupResampler::convert(const float* input, int inputChannels, int fr
     const std::size_t needed = static_cast<std::size_t>(frames) * count;
     if (m_gathered.size() < needed)
         m_gathered.resize(needed);
-    const float* from = input + m_first;
-    float* to = m_gathered.data();
-    for (int frame = 0; frame < frames; ++frame, from += inputChannels, to += m_count) {
+    const auto stride = static_cast<std::size_t>(inputChannels);
+    for (std::size_t frame = 0; frame < static_cast<std::size_t>(frames); ++frame) {
+        const float* from = input + frame * stride + static_cast<std::size_t>(m_first);
+        float* to = m_gathered.data() + frame * count;
         for (std::size_t channel = 0; channel < count; ++channel)
             to[channel] = from[channel];
     }

@@ -190,10 +190,14 @@ void InputFile::enlargeRawPackets()
     const QByteArray name(m_format->iformat->name);
     if (name != "wav" && name != "w64")
         return;
-    int blockAlign = 0;
-    for (unsigned int i = 0; i < m_format->nb_streams; ++i)
-        blockAlign = std::max(blockAlign, m_format->streams[i]->codecpar->block_align);
-    if (blockAlign <= 0)
+    if (m_format->nb_streams != 1)
+        return;
+    const AVCodecParameters& parameters = *m_format->streams[0]->codecpar;
+    // Raw samples only: a compressed codec's blocks gain nothing from longer packets.
+    const bool raw = parameters.codec_id >= AV_CODEC_ID_PCM_S16LE &&
+                     parameters.codec_id < AV_CODEC_ID_ADPCM_IMA_QT;
+    const int blockAlign = parameters.block_align;
+    if (!raw || blockAlign <= 0)
         return;
     constexpr std::int64_t smallest = 1024; // the option's own bounds
     constexpr std::int64_t largest = 1 << 22;

@@ -5,7 +5,18 @@
 
 #include <QString>
 
+#include <exception>
+
 namespace Platform::Internal {
+
+namespace {
+
+MediaError unexpected(const std::exception& error)
+{
+    return MediaError::media(MediaError::unknown, QString::fromLocal8Bit(error.what()));
+}
+
+} // namespace
 
 PcmConversionThread::PcmConversionThread(ResamplerPtr resampler, const PcmPacker& packer,
                                          int outputChannels, BlockSink sink)
@@ -135,6 +146,8 @@ void PcmConversionThread::process(Block& block)
                 m_sink(block.bytes.data(), block.frames);
         } catch (const MediaError& error) {
             block.error = error;
+        } catch (const std::exception& error) {
+            block.error = unexpected(error);
         }
         m_failure = block.error;
     }
@@ -159,6 +172,9 @@ void PcmConversionThread::convert(Block& block)
         }
     } catch (const MediaError& error) {
         block.error = error;
+    } catch (const std::exception& error) {
+        // Out of memory, most likely: it ends the conversion, not the program.
+        block.error = unexpected(error);
     }
 }
 

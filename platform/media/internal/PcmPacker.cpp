@@ -67,9 +67,10 @@ template <int Bytes, bool BigEndian, typename Convert>
 void packStridedAs(const float* input, int frames, int channels, std::size_t frameBytes,
                    std::uint8_t* output, Convert convert)
 {
-    for (int frame = 0; frame < frames; ++frame, output += frameBytes) {
+    for (std::size_t frame = 0; frame < static_cast<std::size_t>(frames); ++frame) {
+        std::uint8_t* to = output + frame * frameBytes;
         for (int channel = 0; channel < channels; ++channel, ++input)
-            store<Bytes>(convert(*input), BigEndian, output + channel * Bytes);
+            store<Bytes>(convert(*input), BigEndian, to + channel * Bytes);
     }
 }
 

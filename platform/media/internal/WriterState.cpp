@@ -65,6 +65,10 @@ void InputState::drive()
 
 WriterState::~WriterState()
 {
+    // An encoder may write from a thread of its own: it is stopped before the muxer and the file
+    // it writes to go.
+    for (const auto& input : inputs)
+        input->encoder.reset();
     releaseMuxer();
 }
 
