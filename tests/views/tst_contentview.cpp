@@ -417,12 +417,13 @@ void ContentViewTest::reordersByDraggingARowOntoAnother()
 
     // Dropped on its own row: nothing moves.
     QWidget* viewport = w.rows()->viewport();
-    QVERIFY(dropOn(viewport, w.rowDrag(0).release(), w.rowRect(0).center()));
+    QVERIFY(dropOn(viewport, w.rowDrag(0).get(), w.rowRect(0).center()));
     QCoreApplication::processEvents();
     QCOMPARE(w.model.listedFiles(), files);
 
     Platform::Console::Recorder console;
-    auto* data = w.rowDrag(0).release();
+    const std::unique_ptr<QMimeData> moved = w.rowDrag(0);
+    QMimeData* data = moved.get();
     const QPointF centre = w.rowRect(2).center();
     QDragEnterEvent enter(centre.toPoint(), Qt::MoveAction, data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(viewport, &enter);
@@ -439,7 +440,6 @@ void ContentViewTest::reordersByDraggingARowOntoAnother()
                               QStringLiteral("/m/a.wav")}));
     QVERIFY(console.lines().contains(QStringLiteral("✅ Moved file from index 0 to 2")));
     QTRY_COMPARE(w.rowName(2), QStringLiteral("a.wav"));
-    delete data;
 
     // A file manager's drag, even with text, is never a row move.
     QMimeData filesWithText;
