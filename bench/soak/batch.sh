@@ -11,15 +11,8 @@ here=$(cd "$(dirname "$0")" && pwd)
 
 cli=$(realpath "${1:?usage: batch.sh CLI [FILES] [WORKDIR]}")
 count=${2:-1000}
-if [ -n "${3:-}" ]; then
-    work=$3
-    mkdir -p "$work"
-else
-    work=$(mktemp -d /tmp/ondrilet-soak-batch-XXXXXX)
-    trap 'rm -rf "$work"' EXIT
-fi
-mkdir -p "$work/in" "$work/out" "$work/home"
-rm -f "$work"/out/*
+soak_workdir "${3:-}" batch
+mkdir -p "$work/in"
 
 # One second of 48 kHz stereo, copied under as many names as the batch needs.
 fixture=$work/fixture.wav

@@ -14,22 +14,11 @@ here=$(cd "$(dirname "$0")" && pwd)
 cli=$(realpath "${1:?usage: long-audio.sh CLI [HOURS] [WORKDIR]}")
 hours=${2:-3}
 corpus=${ONDRILET_CORPUS:-/tmp/ond-corpus}
-if [ -n "${3:-}" ]; then
-    work=$3
-    mkdir -p "$work"
-else
-    work=$(mktemp -d /tmp/ondrilet-soak-audio-XXXXXX)
-    trap 'rm -rf "$work"' EXIT
-fi
-mkdir -p "$work/out" "$work/home"
-rm -f "$work"/out/*
+soak_workdir "${3:-}" audio
 
 source=$work/long_${hours}h_48k.wav
-if [ ! -s "$source" ]; then
-    loops=$(awk -v h="$hours" 'BEGIN { printf "%d", h * 6 - 1 }')
-    ffmpeg -nostdin -hide_banner -loglevel error -y -stream_loop "$loops" \
-        -i "$corpus/music_10min_48k24.wav" -c copy "$source"
-fi
+loop_source "$corpus/music_10min_48k24.wav" "$(awk -v h="$hours" 'BEGIN { printf "%d", h * 6 }')" \
+    "$source"
 
 table=$work/samples.txt
 started=$EPOCHREALTIME

@@ -20,22 +20,11 @@ prores*) container=mov ;;
 *) container=mp4 ;;
 esac
 corpus=${ONDRILET_CORPUS:-/tmp/ond-corpus}
-if [ -n "${3:-}" ]; then
-    work=$3
-    mkdir -p "$work"
-else
-    work=$(mktemp -d /tmp/ondrilet-soak-video-XXXXXX)
-    trap 'rm -rf "$work"' EXIT
-fi
-mkdir -p "$work/out" "$work/home"
-rm -f "$work"/out/*
+soak_workdir "${3:-}" video
 
 source=$work/long_${minutes}min_1080p30.mp4
-if [ ! -s "$source" ]; then
-    loops=$(awk -v m="$minutes" 'BEGIN { printf "%d", m * 2 - 1 }')
-    ffmpeg -nostdin -hide_banner -loglevel error -y -stream_loop "$loops" \
-        -i "$corpus/clip_1080p30_30s.mp4" -c copy "$source"
-fi
+loop_source "$corpus/clip_1080p30_30s.mp4" "$(awk -v m="$minutes" 'BEGIN { printf "%d", m * 2 }')" \
+    "$source"
 
 table=$work/samples.txt
 started=$EPOCHREALTIME

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Sourced by the soak scripts: runs a command in the background and reads its resident size, its
+# Sourced by the soak scripts: prepares their work folder and long sources, runs a command in the
+# background and reads its resident size, its
 # peak resident size and its open file descriptors from /proc every SAMPLE_SECONDS, with a count of
 # finished outputs, into a table the scripts then read with awk. Bash only; no other tools.
 
@@ -56,4 +57,25 @@ rss_between() {
             }
             printf "%.1f %.1f %.1f %.1f\n", a / 1024, b / 1024, lo / 1024, hi / 1024
         }' "$1"
+}
+
+# soak_workdir DIR KIND: sets `work` to DIR (made when missing) or, when DIR is empty, to a new
+# folder under /tmp removed on exit; makes its out/ and home/ folders and empties out/.
+soak_workdir() {
+    if [ -n "$1" ]; then
+        work=$1
+        mkdir -p "$work"
+    else
+        work=$(mktemp -d "/tmp/ondrilet-soak-$2-XXXXXX")
+        trap 'rm -rf "$work"' EXIT
+    fi
+    mkdir -p "$work/out" "$work/home"
+    rm -f "$work"/out/*
+}
+
+# loop_source CLIP TIMES TARGET: makes TARGET, CLIP played TIMES times over without re-encoding,
+# unless TARGET is there already from an earlier run.
+loop_source() {
+    [ -s "$3" ] && return 0
+    ffmpeg -nostdin -hide_banner -loglevel error -y -stream_loop "$(($2 - 1))" -i "$1" -c copy "$3"
 }
